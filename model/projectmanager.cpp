@@ -1,0 +1,83 @@
+#include "projectmanager.h"
+
+#include "luastate.h"
+#include "projectfile.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QMetaType>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include <lua.hpp>
+
+cProjectManager::cProjectManager(QObject* parent)
+    : QObject(parent)
+{
+    // routeImported(QUuid) may cross threads through queued connections.
+    qRegisterMetaType<QUuid>("QUuid");
+    resetProject();
+    emit projectCreated();
+}
+
+void cProjectManager::newProject()
+{
+    resetProject();
+    emit projectCreated();
+}
+
+cProject* cProjectManager::project()
+{
+    return &m_project;
+}
+
+void cProjectManager::resetProject()
+{
+    m_project.id = QUuid::createUuid();
+    m_project.version = 1;
+    m_project.routes.clear();
+}
+
+bool cProjectManager::saveProject(const QString& path)
+{
+    // Written aside and renamed over the old file, so a failed save never
+    // leaves a truncated project behind.
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+        return false;
+    QTextStream stream(&file);
+    stream << writeProject(m_project, false);
+    stream.flush();
+    if (stream.status() != QTextStream::Ok || !file.commit())
+        return false;
+    emit projectSaved();
+    return true;
+}
+
+bool cProjectManager::openProject(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    const QString text = QTextStream(&file).readAll();
+    file.close();
+
+    bool result = false;
+    {
+        cLuaState lua;
+        if (lua.run(text.toLocal8Bit())) {
+            lua_State* L = lua.state();
+            lua_getglobal(L, "project");
+            if (lua_istable(L, -1)) {
+                resetProject();
+                emit projectCreated();
+                result = readProject(m_project, L, false);
+            } else {
+                qDebug().noquote() << "No project table in Lua-state..." << luaL_typename(L, -1);
+            }
+            lua_pop(L, 1);
+        }
+    }
+    emit projectOpened();
+    return result;
+}

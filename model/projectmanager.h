@@ -1,0 +1,39 @@
+#ifndef VOSK_PROJECTMANAGER_H
+#define VOSK_PROJECTMANAGER_H
+
+#include "project.h"
+
+#include <QObject>
+#include <QUuid>
+
+// Owns the one open project for the life of the window. Panels edit the
+// records in place through project(); the manager only reports whole-project
+// events (new, opened, saved, imported).
+class cProjectManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit cProjectManager(QObject* parent = nullptr);
+
+    void newProject();
+    cProject* project();
+
+    bool openProject(const QString& path);
+    bool saveProject(const QString& path);
+    bool importEvtRoute(const QString& path, QString* error);
+    bool importLuaRoute(const QString& path, QString* error);
+
+signals:
+    void projectCreated();
+    void projectOpened();
+    void projectSaved();
+    void routeImported(QUuid id);
+
+private:
+    void resetProject();
+
+    cProject m_project;
+};
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef VOSK_ROUTETABLE_H
+#define VOSK_ROUTETABLE_H
+
+#include "project.h"
+
+#include <QString>
+
+struct lua_State;
+
+// The route table text: a Lua table constructor, in project form (stop ids,
+// sound paths as stored, plain degrees) or device form (no stop ids, device
+// sound paths, coordinates in 1/3600000 degree).
+
+// "/sdmmc/voskdev/<name>.wav" for a local sound path; empty stays empty.
+QString devicePath(const QString& path);
+
+QString writeRoute(const cRoute& route, bool deviceForm);
+
+// Fills a default-constructed route from the table on the top of the stack.
+// Fails only when the route or one of its stops has no usable id; the stops
+// read so far, the failing one included, stay in the route.
+bool readRoute(cRoute& route, lua_State* L, bool deviceForm);
+
+#endif
