@@ -43,8 +43,10 @@ void* cLuaState::allocate(void* ud, void* ptr, size_t oldSize, size_t newSize)
     if (budget->limit != 0 && newSize > oldSize && budget->used - oldSize + newSize > budget->limit)
         return nullptr;
     void* block = std::realloc(ptr, newSize);
-    if (block)
+    if (block) {
         budget->used = budget->used - oldSize + newSize;
+        budget->peak = qMax(budget->peak, budget->used);
+    }
     return block;
 }
 
@@ -52,7 +54,8 @@ void cLuaState::checkTime(lua_State* L, lua_Debug*)
 {
     void* ud = nullptr;
     lua_getallocf(L, &ud);
-    if (static_cast<Budget*>(ud)->clock.elapsed() > runTimeLimitMs)
+    const Budget* budget = static_cast<Budget*>(ud);
+    if (budget->executedMs + budget->clock.elapsed() > runTimeLimitMs)
         luaL_error(L, "run time limit exceeded");
 }
 
@@ -71,8 +74,11 @@ bool cLuaState::isConstantOverflow(const QString& error)
 bool cLuaState::loadAndCall(const char* text, size_t length, const char* name, int results)
 {
     int status = luaL_loadbuffer(m_state, text, length, name);
-    if (status == 0)
+    if (status == 0) {
+        m_budget.clock.start();
         status = lua_pcall(m_state, 0, results, 0);
+        m_budget.executedMs += m_budget.clock.elapsed();
+    }
     if (status == 0)
         return true;
     m_error = QString::fromLocal8Bit(lua_tostring(m_state, -1));
@@ -87,12 +93,12 @@ bool cLuaState::run(const QByteArray& chunk)
         return false;
     }
     m_error.clear();
-    m_budget.limit = memoryLimit;
-    m_budget.clock.start();
-    lua_sethook(m_state, &cLuaState::checkTime, LUA_MASKCOUNT, hookInstructionCount);
-
     // The text ends at its first NUL byte, as a C string would.
     const size_t length = qstrlen(chunk.constData());
+    m_budget.limit = memoryLimitFor(length);
+    m_budget.executedMs = 0;
+    lua_sethook(m_state, &cLuaState::checkTime, LUA_MASKCOUNT, hookInstructionCount);
+
     bool ok = loadAndCall(chunk.constData(), length, "=chunk", 0);
     if (!ok && isConstantOverflow(m_error))
         ok = cLuaChunkSplitter(*this).run(chunk.constData(), length);

@@ -15,7 +15,11 @@ struct lua_State;
 class cLuaState
 {
 public:
-    static constexpr size_t memoryLimit = size_t(1) << 30;
+    // Genuine files need about eight times their size; hostile ones hit the
+    // limit long before they could hurt the machine.
+    static size_t memoryLimitFor(size_t chunkBytes) { return (size_t(128) << 20) + 16 * chunkBytes; }
+    // Total time the chunk may spend executing; parsing is linear and is not
+    // counted.
     static constexpr qint64 runTimeLimitMs = 3000;
 
     cLuaState();
@@ -30,6 +34,8 @@ public:
     // reading the results cannot fail half-way.
     bool run(const QByteArray& chunk);
     QString errorText() const { return m_error; }
+    // The most memory the state has held at once, in bytes.
+    size_t peakMemory() const { return m_budget.peak; }
 
     // Used while running: a chunk's load, call and the limits around them.
     bool loadAndCall(const char* text, size_t length, const char* name, int results);
@@ -44,7 +50,9 @@ private:
     struct Budget
     {
         size_t used = 0;
+        size_t peak = 0;
         size_t limit = 0;
+        qint64 executedMs = 0;
         QElapsedTimer clock;
     };
 

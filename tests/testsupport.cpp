@@ -1,5 +1,7 @@
 #include "testsupport.h"
 
+#include "projectmanager.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QMutex>
@@ -186,7 +188,7 @@ cProject generatedProject(int routeCount, int stopsPerBranch)
                 stop.lat = (55000000 + (serial * 7) % 999979) / 1e6;
                 stop.radius = 20 + serial % 80;
                 stop.course_enabled = serial % 3 == 0;
-                stop.course_value = serial % 360;
+                stop.course_value = stop.course_enabled ? serial % 360 : 0;
                 stop.course_diff = stop.course_enabled ? 30 + serial % 60 : 60;
                 stop.sound = QStringLiteral("C:/snd/stop_%1.mp3").arg(serial);
                 if (serial % 5 == 0)
@@ -212,6 +214,14 @@ lua_State* runInStockLua(const QByteArray& text, const char* name, QString* erro
     }
     lua_getglobal(L, name);
     return L;
+}
+
+cSignalRecorder::cSignalRecorder(cProjectManager* manager)
+{
+    QObject::connect(manager, &cProjectManager::projectCreated, &m_context, [this] { names << "created"; });
+    QObject::connect(manager, &cProjectManager::projectOpened, &m_context, [this] { names << "opened"; });
+    QObject::connect(manager, &cProjectManager::projectSaved, &m_context, [this] { names << "saved"; });
+    QObject::connect(manager, &cProjectManager::routeImported, &m_context, [this](QUuid) { names << "imported"; });
 }
 
 namespace {

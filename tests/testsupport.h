@@ -3,11 +3,14 @@
 
 #include "project.h"
 
+#include <QObject>
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
 struct lua_State;
+class cProjectManager;
 
 namespace testsupport {
 
@@ -32,6 +35,18 @@ cProject generatedProject(int routeCount, int stopsPerBranch);
 // Runs `text` in a stock Lua 5.1 state (standard libraries open) and leaves
 // the value of global `name` on the top of the stack. Null on a Lua error.
 lua_State* runInStockLua(const QByteArray& text, const char* name, QString* error = nullptr);
+
+// Records the manager's signals by name ("created", "opened", "saved",
+// "imported") in the order they arrive, for as long as it lives.
+class cSignalRecorder
+{
+public:
+    explicit cSignalRecorder(cProjectManager* manager);
+    QStringList names;
+
+private:
+    QObject m_context;
+};
 
 // Collects the messages sent while it lives instead of printing them, so a
 // test can compare the exact log a reader produced.

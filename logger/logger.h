@@ -1,0 +1,52 @@
+#ifndef VOSK_LOGGER_H
+#define VOSK_LOGGER_H
+
+#include <QFile>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class QPlainTextEdit;
+
+namespace logger {
+
+class cHighlighter;
+
+// Takes over the process-wide message handler and writes every message as one
+// line into a log file that is new for each run, and into a view if one is
+// attached. Lines are written on this object's thread by its event loop.
+class cLogger : public QObject
+{
+    Q_OBJECT
+
+public:
+    cLogger(QObject* parent, const QString& dir, bool byDate);
+    ~cLogger() override;
+
+    // A directory gets a new time-stamped file; anything else is taken as the
+    // file's own path.
+    void setLogDir(const QString& dir);
+    void setLogEdit(QPlainTextEdit* edit, bool highlight);
+
+private slots:
+    void log(QtMsgType type, const QString& msg);
+
+private:
+    void openLogFile();
+    static QString defaultLogDir(bool byDate);
+
+    QFile logFile;
+    // Guarded: the view and its document may go away before the logger does.
+    QPointer<QPlainTextEdit> logEdit;
+    QPointer<cHighlighter> highlighter;
+    QString logDir;
+    bool byDate;
+};
+
+// Installed by cLogger; forwards every message to the bridge and never does
+// any formatting or I/O itself.
+void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& msg);
+
+} // namespace logger
+
+#endif

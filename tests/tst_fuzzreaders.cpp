@@ -1,0 +1,169 @@
+#include "projectmanager.h"
+#include "routetable.h"
+#include "testsupport.h"
+
+#include <QtTest>
+
+#include <functional>
+#include <random>
+
+using namespace testsupport;
+
+namespace {
+
+// Inputs per reader; VOSK_FUZZ_INPUTS raises it for a longer hunt.
+int inputCount()
+{
+    const int fromEnvironment = qEnvironmentVariableIntValue("VOSK_FUZZ_INPUTS");
+    return fromEnvironment > 0 ? fromEnvironment : 1500;
+}
+
+const char* const evtSeed =
+    "<eventlist name=direct>\n<name>5</name>\n"
+    "<event>\n<name>Центральная</name>\n<zone shape=circle>\n<radius>35</radius>\n"
+    "<point lat=55.753697 lon=37.619977></point>\n</zone>\n"
+    "<reaction logic=rise>\n<play file=/voskdev/a.wav volume=5></play>\n<play file=b.wav ></play>\n</reaction>\n</event>\n"
+    "</eventlist>\n<eventlist name=reverse>\n<name>5</name>\n"
+    "<event>\n<name>O'Hara</name>\n<zone shape=circle><radius>40</radius><point lat=1.5 lon=2.5></point></zone>\n"
+    "<reaction logic=rise></reaction>\n</event>\n</eventlist>\n";
+
+// Byte-level damage of the kinds real files suffer: cut off, bytes flipped,
+// runs duplicated or dropped, stray NULs and invalid UTF-8.
+QByteArray mutate(const QByteArray& seed, std::mt19937& random)
+{
+    QByteArray data = seed;
+    const int edits = 1 + static_cast<int>(random() % 4);
+    for (int e = 0; e < edits && !data.isEmpty(); ++e) {
+        const int at = static_cast<int>(random() % static_cast<unsigned>(data.size()));
+        const int span = 1 + static_cast<int>(random() % 64);
+        switch (random() % 7) {
+        case 0:
+            data.truncate(at);
+            break;
+        case 1:
+            data[at] = static_cast<char>(random() % 256);
+            break;
+        case 2:
+            data.insert(at, data.mid(at, span));
+            break;
+        case 3:
+            data.remove(at, span);
+            break;
+        case 4:
+            data.insert(at, '\0');
+            break;
+        case 5:
+            data.insert(at, "\xff\xfe\xc3");
+            break;
+        default:
+            data.insert(at, "{'}\"[[,=");
+            break;
+        }
+    }
+    return data;
+}
+
+
+} // namespace
+
+class tst_FuzzReaders : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void mutatedProjects();
+    void mutatedRouteScripts();
+    void mutatedEvtFiles();
+
+private:
+    // Feeds mutated seeds through one reader; `check` judges each outcome.
+    void run(const QByteArray& seed, const std::function<void(const QString&)>& check);
+
+    QTemporaryDir m_dir;
+    QByteArray m_projectSeed;
+    QByteArray m_scriptSeed;
+};
+
+void tst_FuzzReaders::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    cProjectManager manager;
+    manager.project()->routes << sampleRoute() << sampleRoute();
+    const QString file = m_dir.filePath("seed.vosk");
+    QVERIFY(manager.saveProject(file));
+    m_projectSeed = readFile(file);
+    m_scriptSeed = "route =\n" + writeRoute(sampleRoute(), true).toLocal8Bit();
+}
+
+void tst_FuzzReaders::run(const QByteArray& seed, const std::function<void(const QString&)>& check)
+{
+    std::mt19937 random(20261121);
+    const QString file = m_dir.filePath("input");
+    cMessageCapture quiet;
+    for (int i = 0; i < inputCount(); ++i) {
+        QVERIFY(writeFile(file, mutate(seed, random)));
+        check(file);
+        if (QTest::currentTestFailed()) {
+            QFile::copy(file, m_dir.filePath("failing"));
+            qInstallMessageHandler(nullptr);
+            qWarning() << "failing input kept as" << m_dir.filePath("failing") << "at iteration" << i;
+            m_dir.setAutoRemove(false);
+            return;
+        }
+    }
+}
+
+void tst_FuzzReaders::mutatedProjects()
+{
+    cProjectManager manager;
+    run(m_projectSeed, [&](const QString& file) {
+        manager.project()->routes = {sampleRoute()};
+        const cProject before = *manager.project();
+        cSignalRecorder recorder(&manager);
+        const bool ok = manager.openProject(file);
+        if (ok) {
+            QCOMPARE(recorder.names, (QStringList{"created", "opened"}));
+        } else if (recorder.names == QStringList{"opened"}) {
+            QCOMPARE(difference(*manager.project(), before), QString());
+        } else {
+            QCOMPARE(recorder.names, (QStringList{"created", "opened"}));
+        }
+    });
+}
+
+void tst_FuzzReaders::mutatedRouteScripts()
+{
+    cProjectManager manager;
+    run(m_scriptSeed, [&](const QString& file) {
+        const int routes = manager.project()->routes.size();
+        cSignalRecorder recorder(&manager);
+        QString error;
+        QVERIFY(manager.importLuaRoute(file, &error));
+        QCOMPARE(recorder.names, QStringList{"opened"});
+        QVERIFY(manager.project()->routes.size() - routes <= 1);
+        if (manager.project()->routes.size() > routes)
+            QVERIFY(!manager.project()->routes.last().id.isNull());
+    });
+}
+
+void tst_FuzzReaders::mutatedEvtFiles()
+{
+    cProjectManager manager;
+    run(evtSeed, [&](const QString& file) {
+        const int routes = manager.project()->routes.size();
+        cSignalRecorder recorder(&manager);
+        QString error;
+        if (manager.importEvtRoute(file, &error)) {
+            QCOMPARE(manager.project()->routes.size(), routes + 1);
+            QCOMPARE(recorder.names, (QStringList{"opened", "imported"}));
+        } else {
+            QVERIFY(!error.isEmpty());
+            QCOMPARE(manager.project()->routes.size(), routes);
+            QVERIFY(recorder.names.isEmpty());
+        }
+    });
+}
+
+QTEST_GUILESS_MAIN(tst_FuzzReaders)
+#include "tst_fuzzreaders.moc"

@@ -1,0 +1,276 @@
+#include "projectmanager.h"
+#include "testsupport.h"
+
+#include <QtTest>
+
+using namespace testsupport;
+
+namespace {
+
+const QByteArray validId = "{3243f6a8-885a-408d-8313-198a2e037073}";
+const QByteArray routeWithId = "{ id = '{2b7e1516-28ae-42a6-abf7-158809cf4f3c}', name = 'r' }";
+
+
+} // namespace
+
+class tst_ProjectFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void freshManager();
+    void emptyProjectTextAndRoundTrip();
+    void projectWithRoutesRoundTrip();
+    void openFailures_data();
+    void openFailures();
+    void versions_data();
+    void versions();
+    void routesTableSkipsNonTables();
+    void failingRouteKeepsRoutesReadSoFar();
+    void hostileFilesFailInTime_data();
+    void hostileFilesFailInTime();
+    void saveFailuresKeepPreviousFile();
+
+private:
+    QString path(const QString& name) const { return m_dir->filePath(name); }
+    QString writeProjectFile(const QByteArray& text)
+    {
+        const QString file = path(QStringLiteral("in.vosk"));
+        writeFile(file, text);
+        return file;
+    }
+
+    QScopedPointer<QTemporaryDir> m_dir;
+};
+
+void tst_ProjectFile::init()
+{
+    m_dir.reset(new QTemporaryDir);
+    QVERIFY(m_dir->isValid());
+}
+
+void tst_ProjectFile::freshManager()
+{
+    cProjectManager manager;
+    const cProject* project = manager.project();
+    QVERIFY(!project->id.isNull());
+    QCOMPARE(project->version, 1);
+    QVERIFY(project->routes.isEmpty());
+
+    cSignalRecorder log(&manager);
+    const QUuid first = project->id;
+    manager.newProject();
+    const QUuid second = project->id;
+    manager.newProject();
+    QVERIFY(first != second && second != project->id);
+    QCOMPARE(log.names, (QStringList{"created", "created"}));
+
+    const cStop stop;
+    QCOMPARE(stop.lon, 37.619977);
+    QCOMPARE(stop.lat, 55.753697);
+    QCOMPARE(stop.radius, 35);
+    QVERIFY(!stop.course_enabled && stop.course_value == 0 && stop.course_diff == 60 && stop.id.isNull());
+    const cRoute route;
+    QCOMPARE(route.type, QStringLiteral("bidir"));
+    QVERIFY(route.play_sound && route.display_text && route.id.isNull() && route.direct.stops.isEmpty());
+}
+
+void tst_ProjectFile::emptyProjectTextAndRoundTrip()
+{
+    cProjectManager manager;
+    const QUuid id = manager.project()->id;
+    cSignalRecorder log(&manager);
+    QVERIFY(manager.saveProject(path("empty.vosk")));
+    QCOMPARE(readFile(path("empty.vosk")),
+             "project =\n{\n  id = '" + id.toString().toLatin1() + "',\n  version = 1,\n\n  routes =\n  {\n\n  }\n}\n");
+
+    manager.newProject();
+    QVERIFY(manager.openProject(path("empty.vosk")));
+    QCOMPARE(manager.project()->id, id);
+    QCOMPARE(manager.project()->version, 1);
+    QVERIFY(manager.project()->routes.isEmpty());
+    QCOMPARE(log.names, (QStringList{"saved", "created", "created", "opened"}));
+    // No temporary file is left beside the project.
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{"empty.vosk"});
+}
+
+void tst_ProjectFile::projectWithRoutesRoundTrip()
+{
+    cProjectManager manager;
+    cProject* project = manager.project();
+    project->routes << sampleRoute() << sampleRoute();
+    project->routes[1].id = QUuid::createUuid();
+    project->routes[1].direct.stops.clear();
+    const cProject saved = *project;
+    QVERIFY(manager.saveProject(path("p.vosk")));
+    // Text is stored in the local 8-bit encoding, UTF-8 here.
+    QVERIFY(readFile(path("p.vosk")).contains(QStringLiteral("Депо — Вокзал").toUtf8()));
+
+    cProjectManager other;
+    QVERIFY(other.openProject(path("p.vosk")));
+    QCOMPARE(difference(*other.project(), saved), QString());
+
+    // Saving again over the same file gives the same bytes.
+    const QByteArray first = readFile(path("p.vosk"));
+    QVERIFY(other.saveProject(path("p.vosk")));
+    QCOMPARE(readFile(path("p.vosk")), first);
+}
+
+void tst_ProjectFile::openFailures_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("signalNames");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<bool>("reset");
+
+    const QStringList opened{"opened"};
+    const QStringList createdOpened{"created", "opened"};
+    QTest::newRow("syntax error") << QByteArray("project = {") << opened << QString() << false;
+    QTest::newRow("run error") << QByteArray("project = { x = nothing.field }") << opened << QString() << false;
+    QTest::newRow("library call") << QByteArray("print('hi') project = { id = '" + validId + "', version = 1, routes = {} }")
+                                  << opened << QString() << false;
+    QTest::newRow("empty file") << QByteArray() << opened << "No project table in Lua-state... nil" << false;
+    QTest::newRow("route file") << QByteArray("route = {}") << opened << "No project table in Lua-state... nil" << false;
+    QTest::newRow("project is a number") << QByteArray("project = 5") << opened
+                                         << "No project table in Lua-state... number" << false;
+    QTest::newRow("binary") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << opened << QString() << false;
+    QTest::newRow("latin-1 bytes") << QByteArray("project = { id = '\xe9\xe8' }") << createdOpened
+                                   << "Project ID is NULL" << true;
+    QTest::newRow("null id") << QByteArray("project = { version = 1, routes = {} }") << createdOpened
+                             << "Project ID is NULL" << true;
+    QTest::newRow("no routes") << QByteArray("project = { id = '" + validId + "', version = 1 }") << createdOpened
+                               << "No routes table in project file" << true;
+}
+
+void tst_ProjectFile::openFailures()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QStringList, signalNames);
+    QFETCH(QString, message);
+    QFETCH(bool, reset);
+
+    cProjectManager manager;
+    manager.project()->routes << sampleRoute();
+    const cProject before = *manager.project();
+    cSignalRecorder log(&manager);
+    cMessageCapture capture;
+    QVERIFY(!manager.openProject(writeProjectFile(text)));
+    QCOMPARE(log.names, signalNames);
+    if (!message.isEmpty())
+        QVERIFY2(capture.messages().contains(message), qPrintable(capture.messages().join('|')));
+    if (reset) {
+        QVERIFY(manager.project()->routes.isEmpty());
+    } else {
+        QCOMPARE(difference(*manager.project(), before), QString());
+    }
+
+    // A file that cannot be opened changes nothing and says nothing.
+    log.names.clear();
+    QVERIFY(!manager.openProject(path("missing.vosk")));
+    QVERIFY(!manager.openProject(m_dir->path()));
+    QVERIFY(log.names.isEmpty());
+}
+
+void tst_ProjectFile::versions_data()
+{
+    QTest::addColumn<QByteArray>("version");
+    QTest::addColumn<bool>("opens");
+    QTest::addColumn<int>("stored");
+    QTest::newRow("zero") << QByteArray("version = 0,") << true << 0;
+    QTest::newRow("fraction") << QByteArray("version = 2.9,") << true << 2;
+    QTest::newRow("numeric string") << QByteArray("version = '7',") << true << 7;
+    QTest::newRow("negative") << QByteArray("version = -1,") << false << -1;
+    QTest::newRow("text") << QByteArray("version = 'one',") << false << -1;
+    QTest::newRow("missing") << QByteArray() << false << -1;
+}
+
+void tst_ProjectFile::versions()
+{
+    QFETCH(QByteArray, version);
+    QFETCH(bool, opens);
+    QFETCH(int, stored);
+
+    cProjectManager manager;
+    cSignalRecorder log(&manager);
+    cMessageCapture capture;
+    QCOMPARE(manager.openProject(writeProjectFile("project = { id = '" + validId + "', " + version + " routes = {} }")),
+             opens);
+    QCOMPARE(manager.project()->version, stored);
+    QCOMPARE(manager.project()->id, QUuid(QString::fromLatin1(validId)));
+    QCOMPARE(log.names, (QStringList{"created", "opened"}));
+    QCOMPARE(capture.messages().contains("Invalid project version"), !opens);
+    if (opens) {
+        QVERIFY(manager.saveProject(path("out.vosk")));
+        QVERIFY(readFile(path("out.vosk")).contains("  version = " + QByteArray::number(stored) + ",\n"));
+    }
+}
+
+void tst_ProjectFile::routesTableSkipsNonTables()
+{
+    cProjectManager manager;
+    QVERIFY(manager.openProject(writeProjectFile("project = { id = '" + validId + "', version = 1, routes = { "
+                                                 + routeWithId + ", 42, 'text', { id = '" + validId + "' } } }")));
+    QCOMPARE(manager.project()->routes.size(), 2);
+    QCOMPARE(manager.project()->routes[0].name, QStringLiteral("r"));
+}
+
+void tst_ProjectFile::failingRouteKeepsRoutesReadSoFar()
+{
+    cProjectManager manager;
+    cSignalRecorder log(&manager);
+    QVERIFY(!manager.openProject(writeProjectFile("project = { id = '" + validId + "', version = 3, routes = { "
+                                                  + routeWithId + ", { name = 'bad' }, " + routeWithId + " } }")));
+    QCOMPARE(log.names, (QStringList{"created", "opened"}));
+    QCOMPARE(manager.project()->routes.size(), 2);
+    QVERIFY(manager.project()->routes[1].id.isNull());
+    QCOMPARE(manager.project()->version, 3);
+}
+
+void tst_ProjectFile::hostileFilesFailInTime_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("endless loop") << QByteArray("while true do end project = {}");
+    QTest::newRow("growing string") << QByteArray("local s = 'x' while true do s = s .. s end");
+    QTest::newRow("growing table") << QByteArray("local t, i = {}, 0 while true do i = i + 1 t[i] = { i } end");
+    QTest::newRow("deep recursion") << QByteArray("local function f() return { f() } end project = f()");
+}
+
+void tst_ProjectFile::hostileFilesFailInTime()
+{
+    QFETCH(QByteArray, text);
+    cProjectManager manager;
+    manager.project()->routes << sampleRoute();
+    const cProject before = *manager.project();
+    cSignalRecorder log(&manager);
+
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(!manager.openProject(writeProjectFile(text)));
+    QVERIFY2(clock.elapsed() < 5000, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(log.names, QStringList{"opened"});
+    QCOMPARE(difference(*manager.project(), before), QString());
+
+    // The manager keeps working afterwards.
+    QVERIFY(manager.saveProject(path("after.vosk")));
+    QVERIFY(manager.openProject(path("after.vosk")));
+    QCOMPARE(difference(*manager.project(), before), QString());
+}
+
+void tst_ProjectFile::saveFailuresKeepPreviousFile()
+{
+    cProjectManager manager;
+    manager.project()->routes << sampleRoute();
+    const QString file = path("keep.vosk");
+    QVERIFY(manager.saveProject(file));
+    const QByteArray previous = readFile(file);
+
+    cSignalRecorder log(&manager);
+    QVERIFY(!manager.saveProject(path("no/such/folder/p.vosk")));
+    QVERIFY(!manager.saveProject(m_dir->path()));
+    QVERIFY(log.names.isEmpty());
+    QCOMPARE(readFile(file), previous);
+}
+
+QTEST_GUILESS_MAIN(tst_ProjectFile)
+#include "tst_projectfile.moc"
