@@ -1,0 +1,125 @@
+#include "mainwindow.h"
+
+#include "projectmanager.h"
+#include "routeselector.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QMessageBox>
+#include <QSettings>
+#include <QTabWidget>
+
+namespace {
+
+const int versionMajor = 1;
+const int versionMinor = 21;
+const int versionBuild = 0;
+const int versionRevision = 1;
+
+const char* const settingsGroup = "MainWindow";
+
+} // namespace
+
+cMainWindow::cMainWindow(QWidget* parent)
+    : QMainWindow(parent)
+    // First, so that everything after it reaches the log file.
+    , logger(this, QString(), true)
+{
+    setWindowTitle(QCoreApplication::applicationName());
+    title = QStringLiteral("[*] %1 %2.%3").arg(windowTitle()).arg(versionMajor).arg(versionMinor);
+    setWindowTitle(title);
+
+    projectManager = new cProjectManager(this);
+    routeSelector = new cRouteSelector(projectManager, this);
+    addDockWidget(Qt::LeftDockWidgetArea, routeSelector);
+
+    connect(routeSelector, &cRouteSelector::routeSelected, this, &cMainWindow::routeSelected);
+    connect(routeSelector, &cRouteSelector::routeChanged, this, &cMainWindow::changesDetectedSlot);
+    connect(projectManager, &cProjectManager::projectCreated, this, &cMainWindow::changesDetectedSlot);
+    connect(projectManager, &cProjectManager::projectSaved, this, &cMainWindow::noChangesDetectedSlot);
+    connect(projectManager, &cProjectManager::projectOpened, this, &cMainWindow::noChangesDetectedSlot);
+    connect(routeSelector, &cRouteSelector::routeAdded, this, &cMainWindow::changesDetectedSlot);
+    connect(routeSelector, &cRouteSelector::routeDeleted, this, &cMainWindow::changesDetectedSlot);
+    connect(routeSelector, &cRouteSelector::fileNameChanged, this, &cMainWindow::projectFileNameChanged);
+
+    tabWidget = new QTabWidget(this);
+    tabWidget->setEnabled(false);
+    tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/settings.ico")), tr("Main"));
+    tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
+    tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
+    setCentralWidget(tabWidget);
+
+    restoreWindowSettings();
+
+    const QString version = QStringLiteral("%1.%2.%3.%4")
+                                .arg(versionMajor)
+                                .arg(versionMinor)
+                                .arg(versionBuild)
+                                .arg(versionRevision);
+    qDebug() << windowTitle() << "application started, version:" << version << ", build date:" << __DATE__
+             << __TIME__;
+    qDebug() << "Current date:" << QDateTime::currentDateTime();
+}
+
+cMainWindow::~cMainWindow()
+{
+    saveWindowSettings();
+}
+
+void cMainWindow::restoreWindowSettings()
+{
+    QSettings settings;
+    settings.beginGroup(QLatin1String(settingsGroup));
+    restoreState(settings.value(QStringLiteral("State")).toByteArray());
+    setGeometry(settings.value(QStringLiteral("Geometry"), QRect(40, 40, 860, 650)).toRect());
+    if (settings.value(QStringLiteral("IsMaximized"), false).toBool())
+        showMaximized();
+}
+
+void cMainWindow::saveWindowSettings()
+{
+    QSettings settings;
+    settings.beginGroup(QLatin1String(settingsGroup));
+    settings.setValue(QStringLiteral("State"), saveState());
+    settings.setValue(QStringLiteral("IsMaximized"), isMaximized());
+    settings.setValue(QStringLiteral("Geometry"), geometry());
+    settings.endGroup();
+    settings.sync();
+}
+
+void cMainWindow::closeEvent(QCloseEvent* event)
+{
+    if (modified
+        && QMessageBox::question(this, tr("Exit?"), tr("Your project has unsaved changes. Exit?"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes)
+            != QMessageBox::Yes) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+}
+
+void cMainWindow::routeSelected(const QUuid& id)
+{
+    tabWidget->setEnabled(!id.isNull());
+}
+
+void cMainWindow::changesDetectedSlot()
+{
+    modified = true;
+    setWindowModified(true);
+}
+
+void cMainWindow::noChangesDetectedSlot()
+{
+    modified = false;
+    setWindowModified(false);
+}
+
+void cMainWindow::projectFileNameChanged(const QString& fn)
+{
+    setWindowTitle(fn.isEmpty() ? title : title + QStringLiteral(" - %1").arg(QDir::toNativeSeparators(fn)));
+}

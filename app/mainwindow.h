@@ -1,0 +1,46 @@
+#ifndef VOSK_MAINWINDOW_H
+#define VOSK_MAINWINDOW_H
+
+#include "logger.h"
+
+#include <QMainWindow>
+#include <QString>
+#include <QUuid>
+
+class QTabWidget;
+class cProjectManager;
+class cRouteSelector;
+
+// The one main window: route selector dock on the left, editor tabs in the
+// centre, the unsaved-changes mark in the title, and its state kept between
+// runs.
+class cMainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit cMainWindow(QWidget* parent = nullptr);
+    ~cMainWindow() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private slots:
+    void routeSelected(const QUuid& id);
+    void changesDetectedSlot();
+    void noChangesDetectedSlot();
+    void projectFileNameChanged(const QString& fn);
+
+private:
+    void restoreWindowSettings();
+    void saveWindowSettings();
+
+    cRouteSelector* routeSelector = nullptr;
+    QTabWidget* tabWidget = nullptr;
+    cProjectManager* projectManager = nullptr;
+    bool modified = false;
+    QString title;
+    logger::cLogger logger;
+};
+
+#endif

@@ -1,0 +1,112 @@
+#include "guisupport.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+
+namespace guisupport {
+
+namespace {
+
+// Answers wait in line: each modal dialog that appears takes the next one.
+struct cAnswerQueue
+{
+    QList<std::function<void(QWidget*)>> answers;
+    QPointer<QWidget> lastAnswered;
+    QTimer timer;
+
+    cAnswerQueue()
+    {
+        timer.setInterval(10);
+        QObject::connect(&timer, &QTimer::timeout, [this] { answerIfShown(); });
+    }
+
+    void answerIfShown()
+    {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog || !dialog->isVisible() || dialog == lastAnswered || answers.isEmpty())
+            return;
+        lastAnswered = dialog;
+        const auto answer = answers.takeFirst();
+        if (answers.isEmpty())
+            timer.stop();
+        answer(dialog);
+    }
+};
+
+cAnswerQueue& answerQueue()
+{
+    static cAnswerQueue queue;
+    return queue;
+}
+
+} // namespace
+
+void answerNextModal(const std::function<void(QWidget*)>& answer)
+{
+    answerQueue().answers << answer;
+    answerQueue().timer.start();
+}
+
+int pendingAnswers()
+{
+    return answerQueue().answers.size();
+}
+
+void dropPendingAnswers()
+{
+    answerQueue().answers.clear();
+    answerQueue().timer.stop();
+}
+
+void answerFileDialog(const QString& path)
+{
+    answerNextModal([path](QWidget* widget) {
+        auto* dialog = qobject_cast<QFileDialog*>(widget);
+        if (!dialog) {
+            widget->close();
+            return;
+        }
+        if (path.isEmpty()) {
+            dialog->reject();
+            return;
+        }
+        dialog->selectFile(path);
+        static_cast<QDialog*>(dialog)->accept();
+    });
+}
+
+void answerMessageBox(QString* text, const QString& buttonText)
+{
+    answerNextModal([text, buttonText](QWidget* widget) {
+        auto* box = qobject_cast<QMessageBox*>(widget);
+        if (!box) {
+            widget->close();
+            return;
+        }
+        if (text)
+            *text = box->windowTitle() + QLatin1Char('|') + box->text();
+        QAbstractButton* button = box->defaultButton();
+        for (QAbstractButton* candidate : box->buttons()) {
+            if (!buttonText.isEmpty() && candidate->text().remove(QLatin1Char('&')) == buttonText)
+                button = candidate;
+        }
+        if (button)
+            button->click();
+        else
+            box->close();
+    });
+}
+
+cIsolatedHome::cIsolatedHome()
+{
+    qputenv("XDG_CONFIG_HOME", (m_dir.path() + QStringLiteral("/config")).toLocal8Bit());
+    qputenv("XDG_DATA_HOME", (m_dir.path() + QStringLiteral("/data")).toLocal8Bit());
+}
+
+} // namespace guisupport

@@ -1,0 +1,56 @@
+#ifndef VOSK_GUISUPPORT_H
+#define VOSK_GUISUPPORT_H
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <functional>
+
+class QWidget;
+
+namespace guisupport {
+
+// Runs `answer` on the next modal dialog once it is shown, from inside its
+// event loop, so a test can drive code that blocks on a dialog.
+void answerNextModal(const std::function<void(QWidget* dialog)>& answer);
+
+// Answers not yet used, and forgetting them (between test functions, so
+// that no answer outlives the variables it writes to).
+int pendingAnswers();
+void dropPendingAnswers();
+
+// Answers the next file dialog with `path`, or cancels it when empty.
+void answerFileDialog(const QString& path);
+
+// Reads the next message box's text into `text` (if given) and presses the
+// button with `buttonText`, or the default button when empty.
+void answerMessageBox(QString* text = nullptr, const QString& buttonText = QString());
+
+// Points settings and data folders at a temporary folder for the whole test
+// process, so that tests never touch the user's own files.
+class cIsolatedHome
+{
+public:
+    cIsolatedHome();
+    QString path() const { return m_dir.path(); }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+} // namespace guisupport
+
+// A test main for widget tests: isolated settings, the program's names, its
+// style sheet and icons, but no translation, so tests see the source texts.
+#define VOSK_GUI_TEST_MAIN(TestObject)                  \
+    int main(int argc, char* argv[])                    \
+    {                                                   \
+        guisupport::cIsolatedHome home;                 \
+        setApplicationNames();                          \
+        QApplication app(argc, argv);                   \
+        applyApplicationLook(app);                      \
+        TestObject test;                                \
+        return QTest::qExec(&test, argc, argv);         \
+    }
+
+#endif

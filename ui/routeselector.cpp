@@ -1,0 +1,336 @@
+#include "routeselector.h"
+
+#include "projectmanager.h"
+
+#include <QDebug>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const settingsGroup = "RouteSelector";
+const char* const lastProjectKey = "LastProjectDir";
+const char* const lastImportKey = "LastImportDir";
+
+QString settingsValue(const char* key)
+{
+    QSettings settings;
+    settings.beginGroup(QLatin1String(settingsGroup));
+    return settings.value(QLatin1String(key)).toString();
+}
+
+// Stores the file itself, not its folder: the next dialog opens beside it
+// with the file preselected.
+void storeSettingsValue(const char* key, const QString& path)
+{
+    QSettings settings;
+    settings.beginGroup(QLatin1String(settingsGroup));
+    settings.setValue(QLatin1String(key), QFileInfo(path).absoluteFilePath());
+    settings.endGroup();
+    settings.sync();
+}
+
+QPushButton* makeButton(const QString& text, const QString& objectName, const QString& toolTip = QString())
+{
+    auto* button = new QPushButton(text);
+    button->setObjectName(objectName);
+    if (!toolTip.isEmpty())
+        button->setToolTip(toolTip);
+    return button;
+}
+
+} // namespace
+
+cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
+    : QDockWidget(parent)
+    , routeList(new QListWidget)
+    , projectManager(manager)
+{
+    setWindowTitle(tr("Routes"));
+    setObjectName(QStringLiteral("routeSelector"));
+    setFeatures(QDockWidget::DockWidgetMovable);
+    setAllowedAreas(Qt::AllDockWidgetAreas);
+
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setSpacing(10);
+
+    auto* fileButtons = new QGridLayout;
+    fileButtons->setSpacing(5);
+    QPushButton* newButton = makeButton(tr("New project"), QStringLiteral("newProjectBtn"));
+    QPushButton* openButton = makeButton(tr("Open project"), QStringLiteral("openProjectBtn"));
+    openButton->setShortcut(QKeySequence::Open);
+    QPushButton* saveButton = makeButton(tr("Save"), QStringLiteral("saveProjectBtn"), tr("Save project"));
+    saveButton->setShortcut(QKeySequence::Save);
+    QPushButton* saveAsButton =
+        makeButton(tr("Save as..."), QStringLiteral("saveAsProjectBtn"), tr("Select file and save project"));
+    fileButtons->addWidget(newButton, 0, 0);
+    fileButtons->addWidget(openButton, 0, 1);
+    fileButtons->addWidget(saveButton, 1, 0);
+    fileButtons->addWidget(saveAsButton, 1, 1);
+    layout->addLayout(fileButtons);
+    connect(newButton, &QPushButton::clicked, this, &cRouteSelector::newProject);
+    connect(openButton, &QPushButton::clicked, this, &cRouteSelector::openProject);
+    connect(saveButton, &QPushButton::clicked, this, &cRouteSelector::saveProject);
+    connect(saveAsButton, &QPushButton::clicked, this, &cRouteSelector::saveAsProject);
+
+    routeList->setObjectName(QStringLiteral("routeList"));
+    routeList->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    routeList->setContextMenuPolicy(Qt::CustomContextMenu);
+    routeList->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    connect(routeList, &QListWidget::itemChanged, this, &cRouteSelector::itemChanged);
+    connect(routeList, &QListWidget::itemClicked, this, &cRouteSelector::itemClicked);
+    connect(routeList, &QListWidget::itemActivated, this, &cRouteSelector::itemClicked);
+    connect(routeList, &QListWidget::customContextMenuRequested, this, &cRouteSelector::routeListContextMenu);
+    layout->addWidget(routeList);
+    connect(projectManager, &cProjectManager::routeImported, this, &cRouteSelector::routeImported);
+
+    routeMenu = new QMenu(this);
+    addAction = routeMenu->addAction(tr("Add"));
+    deleteAction = routeMenu->addAction(tr("Delete"));
+    connect(addAction, &QAction::triggered, this, &cRouteSelector::addRoute);
+    connect(deleteAction, &QAction::triggered, this, &cRouteSelector::routeDeleteRequest);
+
+    auto* routeButtons = new QHBoxLayout;
+    routeButtons->setSpacing(5);
+    QPushButton* addButton = makeButton(tr("Add"), QStringLiteral("addRouteBtn"), tr("Add new route to project"));
+    connect(addButton, &QPushButton::clicked, this, &cRouteSelector::addRoute);
+    QPushButton* importButton =
+        makeButton(tr("Import"), QStringLiteral("importRouteBtn"), tr("Import route to project"));
+    auto* importMenu = new QMenu(importButton);
+    connect(importMenu->addAction(tr("Import Evt-file")), &QAction::triggered, this, &cRouteSelector::importRouteEvt);
+    connect(importMenu->addAction(tr("Import Lua-file")), &QAction::triggered, this, &cRouteSelector::importRouteLua);
+    importButton->setMenu(importMenu);
+    routeButtons->addWidget(addButton);
+    routeButtons->addWidget(importButton);
+    layout->addLayout(routeButtons);
+
+    setWidget(content);
+    connect(projectManager, &cProjectManager::projectOpened, this, &cRouteSelector::projectOpened);
+}
+
+void cRouteSelector::routeChangedSlot(const QUuid& id)
+{
+    QListWidgetItem* item = itemFor(id);
+    if (!item)
+        return;
+    for (const cRoute& route : qAsConst(projectManager->project()->routes)) {
+        if (route.id == id) {
+            // Following a rename made elsewhere is not a change of its own.
+            const QSignalBlocker quiet(routeList);
+            item->setText(route.name);
+            return;
+        }
+    }
+}
+
+void cRouteSelector::newProject()
+{
+    projectManager->newProject();
+    routeList->clear();
+    emit routeSelected(QUuid());
+    fileName.clear();
+    emit fileNameChanged(fileName);
+}
+
+QString cRouteSelector::askProjectFile(bool forSaving)
+{
+    const QString start = settingsValue(lastProjectKey);
+    const QString filter = tr("Voskantor project files (*.vosk);;All files (*.*)");
+    return forSaving ? QFileDialog::getSaveFileName(this, tr("Open file"), start, filter)
+                     : QFileDialog::getOpenFileName(this, tr("Open File"), start, filter);
+}
+
+void cRouteSelector::openProject()
+{
+    const QString path = askProjectFile(false);
+    if (path.isEmpty())
+        return;
+    if (projectManager->openProject(path)) {
+        setError(false);
+        fileName = path;
+        emit fileNameChanged(path);
+    } else {
+        setError(true, tr("Project has some errors, failed to open."));
+    }
+    storeSettingsValue(lastProjectKey, path);
+}
+
+void cRouteSelector::saveProject()
+{
+    if (fileName.isEmpty()) {
+        saveAsProject();
+        return;
+    }
+    if (projectManager->saveProject(fileName))
+        setError(false);
+    else
+        setError(true, tr("Failed to save project."));
+}
+
+void cRouteSelector::saveAsProject()
+{
+    const QString path = askProjectFile(true);
+    if (path.isEmpty())
+        return;
+    if (projectManager->saveProject(path)) {
+        setError(false);
+        fileName = path;
+        emit fileNameChanged(path);
+    } else {
+        setError(true, tr("Failed to save project."));
+    }
+    storeSettingsValue(lastProjectKey, path);
+}
+
+void cRouteSelector::addRoute()
+{
+    const QString base = tr("New route");
+    QString name = base;
+    for (int suffix = 1; !routeList->findItems(name, Qt::MatchExactly).isEmpty(); ++suffix)
+        name = base + QStringLiteral(" %1").arg(suffix);
+
+    cRoute route;
+    route.name = name;
+    route.id = QUuid::createUuid();
+    route.base_text.current = tr("Stop: ");
+    route.base_text.next = tr("Next: ");
+    route.base_text.last = tr(". Last");
+    projectManager->project()->routes.append(route);
+
+    QListWidgetItem* item = makeItem(route.name, route.id);
+    routeList->addItem(item);
+    routeList->setCurrentItem(item);
+    emit routeSelected(route.id);
+    emit routeAdded(route.id);
+}
+
+void cRouteSelector::importRouteEvt()
+{
+    importRoute(ImportKind::Evt);
+}
+
+void cRouteSelector::importRouteLua()
+{
+    importRoute(ImportKind::Lua);
+}
+
+void cRouteSelector::importRoute(ImportKind kind)
+{
+    const bool evt = kind == ImportKind::Evt;
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Route file"), settingsValue(lastImportKey),
+        evt ? tr("Evt files (*.evt);;All files (*.*)") : tr("Lua files (*.lua);;All files (*.*)"));
+    if (path.isEmpty())
+        return;
+    QString error;
+    const bool ok = evt ? projectManager->importEvtRoute(path, &error) : projectManager->importLuaRoute(path, &error);
+    if (!ok) {
+        qDebug().noquote() << (evt ? "Error importing evt-route!" : "Error importing lua-route!") << error;
+        QMessageBox::critical(this, tr("Error"), tr("Failed to import route to project:\n%1").arg(error),
+                              QMessageBox::Ok);
+    }
+    storeSettingsValue(lastImportKey, path);
+}
+
+void cRouteSelector::projectOpened()
+{
+    routeList->clear();
+    for (const cRoute& route : qAsConst(projectManager->project()->routes))
+        routeList->addItem(makeItem(route.name, route.id));
+    if (routeList->count() > 0) {
+        routeList->setCurrentRow(0);
+        itemClicked(routeList->item(0));
+    }
+}
+
+void cRouteSelector::itemChanged(QListWidgetItem* item)
+{
+    const QUuid id = itemId(item);
+    for (cRoute& route : projectManager->project()->routes) {
+        if (route.id == id) {
+            route.name = item->text();
+            break;
+        }
+    }
+    emit routeChanged(id);
+}
+
+void cRouteSelector::itemClicked(QListWidgetItem* item)
+{
+    emit routeSelected(itemId(item));
+}
+
+void cRouteSelector::routeListContextMenu(const QPoint& p)
+{
+    deleteAction->setEnabled(routeList->itemAt(p) != nullptr);
+    routeMenu->popup(routeList->viewport()->mapToGlobal(p));
+}
+
+void cRouteSelector::routeDeleteRequest()
+{
+    QListWidgetItem* item = routeList->currentItem();
+    if (!item)
+        return;
+    const QUuid id = itemId(item);
+    QList<cRoute>& routes = projectManager->project()->routes;
+    const auto found = std::find_if(routes.begin(), routes.end(), [&id](const cRoute& route) { return route.id == id; });
+    if (found == routes.end())
+        return;
+    routes.erase(found);
+    delete item;
+    itemClicked(routeList->currentItem());
+    emit routeDeleted(id);
+}
+
+void cRouteSelector::routeImported(const QUuid& id)
+{
+    QListWidgetItem* item = itemFor(id);
+    if (!item)
+        return;
+    routeList->setCurrentItem(item);
+    emit routeSelected(id);
+}
+
+void cRouteSelector::setError(bool error, const QString& message)
+{
+    if (!error) {
+        routeList->setStyleSheet(QString());
+        return;
+    }
+    routeList->setStyleSheet(QStringLiteral("border: 1px solid red; background-color: #FFF5F5;"));
+    qDebug().noquote() << message;
+    QMessageBox::critical(this, tr("Error"), message, QMessageBox::Ok);
+}
+
+QListWidgetItem* cRouteSelector::itemFor(const QUuid& id) const
+{
+    for (int row = 0; row < routeList->count(); ++row) {
+        if (itemId(routeList->item(row)) == id)
+            return routeList->item(row);
+    }
+    return nullptr;
+}
+
+// Items are filled before they join the list, so that filling them is not
+// taken for a rename by the user.
+QListWidgetItem* cRouteSelector::makeItem(const QString& name, const QUuid& id)
+{
+    auto* item = new QListWidgetItem(name);
+    item->setData(Qt::UserRole, QVariant::fromValue(id));
+    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsEnabled);
+    return item;
+}
+
+QUuid cRouteSelector::itemId(const QListWidgetItem* item)
+{
+    return item ? item->data(Qt::UserRole).value<QUuid>() : QUuid();
+}

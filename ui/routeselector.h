@@ -1,0 +1,68 @@
+#ifndef VOSK_ROUTESELECTOR_H
+#define VOSK_ROUTESELECTOR_H
+
+#include <QDockWidget>
+#include <QString>
+#include <QUuid>
+
+class QAction;
+class QListWidget;
+class QListWidgetItem;
+class QMenu;
+class QVBoxLayout;
+class cProjectManager;
+
+// The dock with the project file commands, the list of the project's routes
+// and the route imports. It announces which route is selected and when routes
+// or the project's file name change.
+class cRouteSelector : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    cRouteSelector(cProjectManager* manager, QWidget* parent);
+
+signals:
+    void routeChanged(const QUuid& id);
+    void routeSelected(const QUuid& id);
+    void routeAdded(const QUuid& id);
+    void routeDeleted(const QUuid& id);
+    void fileNameChanged(const QString& fileName);
+
+public slots:
+    void routeChangedSlot(const QUuid& id);
+
+private slots:
+    void newProject();
+    void openProject();
+    void saveProject();
+    void saveAsProject();
+    void addRoute();
+    void importRouteEvt();
+    void importRouteLua();
+    void projectOpened();
+    void itemChanged(QListWidgetItem* item);
+    void itemClicked(QListWidgetItem* item);
+    void routeListContextMenu(const QPoint& p);
+    void routeDeleteRequest();
+    void routeImported(const QUuid& id);
+
+private:
+    enum class ImportKind { Evt, Lua };
+
+    void importRoute(ImportKind kind);
+    void setError(bool error, const QString& message = QString());
+    QString askProjectFile(bool forSaving);
+    QListWidgetItem* itemFor(const QUuid& id) const;
+    static QListWidgetItem* makeItem(const QString& name, const QUuid& id);
+    static QUuid itemId(const QListWidgetItem* item);
+
+    QListWidget* routeList;
+    cProjectManager* projectManager;
+    QMenu* routeMenu;
+    QAction* addAction;
+    QAction* deleteAction;
+    QString fileName;
+};
+
+#endif
