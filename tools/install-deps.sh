@@ -7,6 +7,7 @@ packages=(
   cmake g++ make pkg-config
   qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
   liblua5.1-0-dev lua5.1
+  libsdl2-mixer-dev ffmpeg sox
 )
 
 missing=()
