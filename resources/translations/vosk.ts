@@ -1,221 +1,178 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
-<TS version="2.1">
+<TS version="2.1" language="ru_RU">
 <context>
     <name>cMainWindow</name>
     <message>
-        <location filename="../../app/mainwindow.cpp" line="49"/>
         <source>Main</source>
-        <translation type="unfinished"></translation>
+        <translation>Основное</translation>
     </message>
     <message>
-        <location filename="../../app/mainwindow.cpp" line="50"/>
         <source>Stops</source>
-        <translation type="unfinished"></translation>
+        <translation>Остановки</translation>
     </message>
     <message>
-        <location filename="../../app/mainwindow.cpp" line="51"/>
         <source>Events</source>
-        <translation type="unfinished"></translation>
+        <translation>События</translation>
     </message>
     <message>
-        <location filename="../../app/mainwindow.cpp" line="95"/>
         <source>Exit?</source>
-        <translation type="unfinished"></translation>
+        <translation>Выйти?</translation>
     </message>
     <message>
-        <location filename="../../app/mainwindow.cpp" line="95"/>
         <source>Your project has unsaved changes. Exit?</source>
-        <translation type="unfinished"></translation>
+        <translation>В проекте есть несохранённые изменения. Выйти?</translation>
     </message>
 </context>
 <context>
     <name>cProjectManager</name>
     <message>
-        <location filename="../../model/evtimport.cpp" line="130"/>
-        <location filename="../../model/luaimport.cpp" line="16"/>
         <source>Failed to open file</source>
-        <translation type="unfinished"></translation>
+        <translation>Не удалось открыть файл</translation>
     </message>
     <message>
-        <location filename="../../model/evtimport.cpp" line="140"/>
         <source>Route should have 1 or 2 branches, but found %1 branches.</source>
-        <translation type="unfinished"></translation>
+        <translation>Маршрут должен иметь 1 или 2 направления, а найдено направлений: %1.</translation>
     </message>
     <message>
-        <location filename="../../model/evtimport.cpp" line="153"/>
         <source>Stop: </source>
-        <translation type="unfinished"></translation>
+        <translation>Остановка: </translation>
     </message>
     <message>
-        <location filename="../../model/evtimport.cpp" line="154"/>
         <source>Next: </source>
-        <translation type="unfinished"></translation>
+        <translation>Следующая: </translation>
     </message>
     <message>
-        <location filename="../../model/evtimport.cpp" line="155"/>
         <source>. Last</source>
-        <translation type="unfinished"></translation>
+        <translation>. Конечная</translation>
     </message>
 </context>
 <context>
     <name>cRouteSelector</name>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="57"/>
         <source>Routes</source>
-        <translation type="unfinished"></translation>
+        <translation>Маршруты</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="68"/>
         <source>New project</source>
-        <translation type="unfinished"></translation>
+        <translation>Новый проект</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="69"/>
         <source>Open project</source>
-        <translation type="unfinished"></translation>
+        <translation>Открыть проект</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="71"/>
         <source>Save</source>
-        <translation type="unfinished"></translation>
+        <translation>Сохранить</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="71"/>
         <source>Save project</source>
-        <translation type="unfinished"></translation>
+        <translation>Сохранить проект</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="74"/>
         <source>Save as...</source>
-        <translation type="unfinished"></translation>
+        <translation>Сохранить как...</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="74"/>
         <source>Select file and save project</source>
-        <translation type="unfinished"></translation>
+        <translation>Выбрать файл и сохранить проект</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="97"/>
-        <location filename="../../ui/routeselector.cpp" line="104"/>
         <source>Add</source>
-        <translation type="unfinished"></translation>
+        <translation>Добавить</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="98"/>
         <source>Delete</source>
-        <translation type="unfinished"></translation>
+        <translation>Удалить</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="104"/>
         <source>Add new route to project</source>
-        <translation type="unfinished"></translation>
+        <translation>Добавить в проект новый маршрут</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="107"/>
         <source>Import</source>
-        <translation type="unfinished"></translation>
+        <translation>Импорт</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="107"/>
         <source>Import route to project</source>
-        <translation type="unfinished"></translation>
+        <translation>Импортировать маршрут в проект</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="109"/>
         <source>Import Evt-file</source>
-        <translation type="unfinished"></translation>
+        <translation>Импорт Evt-файла</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="110"/>
         <source>Import Lua-file</source>
-        <translation type="unfinished"></translation>
+        <translation>Импорт Lua-файла</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="147"/>
         <source>Voskantor project files (*.vosk);;All files (*.*)</source>
-        <translation type="unfinished"></translation>
+        <translation>Проекты Voskantor (*.vosk);;Все файлы (*.*)</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="148"/>
         <source>Open file</source>
-        <translation type="unfinished"></translation>
+        <translation>Сохранить файл</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="149"/>
         <source>Open File</source>
-        <translation type="unfinished"></translation>
+        <translation>Открыть файл</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="162"/>
         <source>Project has some errors, failed to open.</source>
-        <translation type="unfinished"></translation>
+        <translation>В проекте есть ошибки, открыть не удалось.</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="176"/>
-        <location filename="../../ui/routeselector.cpp" line="189"/>
         <source>Failed to save project.</source>
-        <translation type="unfinished"></translation>
+        <translation>Не удалось сохранить проект.</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="196"/>
         <source>New route</source>
-        <translation type="unfinished"></translation>
+        <translation>Новый маршрут</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="204"/>
         <source>Stop: </source>
-        <translation type="unfinished"></translation>
+        <translation>Остановка: </translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="205"/>
         <source>Next: </source>
-        <translation type="unfinished"></translation>
+        <translation>Следующая: </translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="206"/>
         <source>. Last</source>
-        <translation type="unfinished"></translation>
+        <translation>. Конечная</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="230"/>
         <source>Route file</source>
-        <translation type="unfinished"></translation>
+        <translation>Файл маршрута</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="231"/>
         <source>Evt files (*.evt);;All files (*.*)</source>
-        <translation type="unfinished"></translation>
+        <translation>Файлы Evt (*.evt);;Все файлы (*.*)</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="231"/>
         <source>Lua files (*.lua);;All files (*.*)</source>
-        <translation type="unfinished"></translation>
+        <translation>Файлы Lua (*.lua);;Все файлы (*.*)</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="238"/>
-        <location filename="../../ui/routeselector.cpp" line="311"/>
         <source>Error</source>
-        <translation type="unfinished"></translation>
+        <translation>Ошибка</translation>
     </message>
     <message>
-        <location filename="../../ui/routeselector.cpp" line="238"/>
         <source>Failed to import route to project:
 %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Не удалось импортировать маршрут в проект:
+%1</translation>
     </message>
 </context>
 <context>
     <name>logger::cLogWidget</name>
     <message>
-        <location filename="../../logger/logwidget.cpp" line="19"/>
         <source>Logs</source>
-        <translation type="unfinished"></translation>
+        <translation>Журнал</translation>
     </message>
     <message>
-        <location filename="../../logger/logwidget.cpp" line="30"/>
         <source>Clear log</source>
-        <translation type="unfinished"></translation>
+        <translation>Очистить журнал</translation>
     </message>
 </context>
 </TS>
