@@ -1,7 +1,9 @@
 #include "mainwindow.h"
 
 #include "projectmanager.h"
+#include "routeeditor.h"
 #include "routeselector.h"
+#include "stopeditor.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -36,8 +38,18 @@ cMainWindow::cMainWindow(QWidget* parent)
     routeSelector = new cRouteSelector(projectManager, this);
     addDockWidget(Qt::LeftDockWidgetArea, routeSelector);
 
+    routeEditor = new cRouteEditor(projectManager, this);
+    // A rename in the editor shows in the route list.
+    connect(routeEditor, &cRouteEditor::routeChanged, routeSelector, &cRouteSelector::routeChangedSlot);
+    stopEditor = new cStopEditor(projectManager, this);
+
+    connect(routeSelector, &cRouteSelector::routeChanged, routeEditor, &cRouteEditor::routeChangedSlot);
+    connect(routeSelector, &cRouteSelector::routeSelected, routeEditor, &cRouteEditor::routeSelected);
+    connect(routeSelector, &cRouteSelector::routeSelected, stopEditor, &cStopEditor::routeSelected);
     connect(routeSelector, &cRouteSelector::routeSelected, this, &cMainWindow::routeSelected);
     connect(routeSelector, &cRouteSelector::routeChanged, this, &cMainWindow::changesDetectedSlot);
+    connect(routeEditor, &cRouteEditor::routeChanged, this, &cMainWindow::changesDetectedSlot);
+    connect(stopEditor, &cStopEditor::stopChanged, this, &cMainWindow::changesDetectedSlot);
     connect(projectManager, &cProjectManager::projectCreated, this, &cMainWindow::changesDetectedSlot);
     connect(projectManager, &cProjectManager::projectSaved, this, &cMainWindow::noChangesDetectedSlot);
     connect(projectManager, &cProjectManager::projectOpened, this, &cMainWindow::noChangesDetectedSlot);
@@ -47,8 +59,8 @@ cMainWindow::cMainWindow(QWidget* parent)
 
     tabWidget = new QTabWidget(this);
     tabWidget->setEnabled(false);
-    tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/settings.ico")), tr("Main"));
-    tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
+    tabWidget->addTab(routeEditor, QIcon(QStringLiteral(":icon/settings.ico")), tr("Main"));
+    tabWidget->addTab(stopEditor, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
 

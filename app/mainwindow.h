@@ -9,7 +9,9 @@
 
 class QTabWidget;
 class cProjectManager;
+class cRouteEditor;
 class cRouteSelector;
+class cStopEditor;
 
 // The one main window: route selector dock on the left, editor tabs in the
 // centre, the unsaved-changes mark in the title, and its state kept between
@@ -38,6 +40,8 @@ private:
     cRouteSelector* routeSelector = nullptr;
     QTabWidget* tabWidget = nullptr;
     cProjectManager* projectManager = nullptr;
+    cRouteEditor* routeEditor = nullptr;
+    cStopEditor* stopEditor = nullptr;
     bool modified = false;
     QString title;
     logger::cLogger logger;

@@ -36,6 +36,10 @@ struct cAnswerQueue
         if (answers.isEmpty())
             timer.stop();
         answer(dialog);
+        // Only a dialog left open by its answer is skipped later: one that
+        // closed may be shown again (dialogs kept for the window's life).
+        if (lastAnswered && !lastAnswered->isVisible())
+            lastAnswered.clear();
     }
 };
 
@@ -77,6 +81,9 @@ void answerFileDialog(const QString& path)
             return;
         }
         dialog->selectFile(path);
+        // Once the name field has focus, selectFile no longer fills it.
+        if (auto* nameEdit = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+            nameEdit->setText(path);
         static_cast<QDialog*>(dialog)->accept();
     });
 }

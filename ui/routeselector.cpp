@@ -1,8 +1,15 @@
 #include "routeselector.h"
 
+#include "convertprogress.h"
+#include "converter.h"
+#include "errordialog.h"
 #include "projectmanager.h"
+#include "routetable.h"
+#include "savedialog.h"
 
+#include <QApplication>
 #include <QDebug>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -12,6 +19,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
+#include <QTextStream>
 #include <QVBoxLayout>
 
 namespace {
@@ -45,6 +53,23 @@ QPushButton* makeButton(const QString& text, const QString& objectName, const QS
     if (!toolTip.isEmpty())
         button->setToolTip(toolTip);
     return button;
+}
+
+QString routeScript(const cRoute& route)
+{
+    return QStringLiteral("route =\n%1").arg(writeRoute(route, true));
+}
+
+// Every sound the device needs for the route, in the order the route uses
+// them; empty entries included.
+QStringList routeSounds(const cRoute& route)
+{
+    QStringList sounds{route.base_sound.current, route.base_sound.next, route.base_sound.last};
+    for (const cBranch* branch : {&route.direct, &route.reverse}) {
+        for (const cStop& stop : branch->stops)
+            sounds << stop.sound << stop.other_sounds;
+    }
+    return sounds;
 }
 
 } // namespace
@@ -113,8 +138,22 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     routeButtons->addWidget(importButton);
     layout->addLayout(routeButtons);
 
+    QPushButton* saveRouteButton = makeButton(tr("Save selected routes"), QStringLiteral("saveRouteBtn"),
+                                              tr("Save selected routes as separate files for loading to device"));
+    connect(saveRouteButton, &QPushButton::clicked, this, &cRouteSelector::saveRoute);
+    layout->addWidget(saveRouteButton);
+
     setWidget(content);
     connect(projectManager, &cProjectManager::projectOpened, this, &cRouteSelector::projectOpened);
+
+    saveDialog = new cSaveDialog(this);
+    saveDialog->hide();
+    converter = new cConverter(this);
+    converter->setFileSaveType(0);
+    converter->setFileNameType(0);
+    connect(converter, &cConverter::convertFinished, this, &cRouteSelector::convertFinished);
+    connect(converter, &cConverter::fileProcessed, this, &cRouteSelector::fileProcessed);
+    progress = new cConvertProgress(this);
 }
 
 void cRouteSelector::routeChangedSlot(const QUuid& id)
@@ -298,6 +337,102 @@ void cRouteSelector::routeImported(const QUuid& id)
         return;
     routeList->setCurrentItem(item);
     emit routeSelected(id);
+}
+
+void cRouteSelector::saveRoute()
+{
+    const QList<QListWidgetItem*> selected = routeList->selectedItems();
+    if (selected.isEmpty())
+        return;
+    const QList<cRoute>& routes = projectManager->project()->routes;
+    const auto findRoute = [&routes](const QListWidgetItem* item) -> const cRoute* {
+        const QUuid id = itemId(item);
+        const auto found = std::find_if(routes.begin(), routes.end(), [&id](const cRoute& r) { return r.id == id; });
+        return found == routes.end() ? nullptr : &*found;
+    };
+
+    saveDialog->clearPages();
+    for (const QListWidgetItem* item : selected) {
+        if (const cRoute* route = findRoute(item)) {
+            const QString baseName = route->short_name.isEmpty() ? route->name : route->short_name;
+            saveDialog->addPage(route->id, route->name, routeScript(*route), baseName);
+        }
+    }
+    if (saveDialog->exec() != QDialog::Accepted)
+        return;
+
+    // Folders that cannot be made or entered leave the files in the output
+    // folder itself.
+    QDir scriptDir(saveDialog->outputDir());
+    scriptDir.mkdir(QStringLiteral("route"));
+    scriptDir.cd(QStringLiteral("route"));
+    soundFiles.clear();
+    for (const QListWidgetItem* item : selected) {
+        const cRoute* route = findRoute(item);
+        if (!route)
+            continue;
+        const QString path = scriptDir.absoluteFilePath(saveDialog->fileName(route->id));
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+            qDebug().noquote() << "File was not opened:" << path;
+            QMessageBox::critical(this, tr("Error"), tr("Failed to save route, file wasn't opened."),
+                                  QMessageBox::Ok);
+        } else {
+            QTextStream stream(&file);
+            stream << routeScript(*route);
+            stream.flush();
+            file.flush();
+            file.close();
+        }
+        soundFiles << routeSounds(*route);
+    }
+    soundFiles.removeDuplicates();
+    // Null and empty strings compare equal: this drops both.
+    soundFiles.removeAll(QString());
+    qDebug().noquote() << "Sound files:" << soundFiles;
+
+    QDir soundDir(saveDialog->outputDir());
+    soundDir.mkdir(QStringLiteral("voskdev"));
+    soundDir.cd(QStringLiteral("voskdev"));
+    converter->setOutputDir(soundDir.absolutePath());
+    if (soundFiles.isEmpty())
+        return;
+
+    // Right after the dialog closes the platform may not have handed
+    // activation back yet.
+    blockedWindow = QApplication::activeWindow();
+    if (!blockedWindow || !blockedWindow->isVisible())
+        blockedWindow = window();
+    blockedWindow->setEnabled(false);
+    failedFiles.clear();
+    progress->start(soundFiles);
+    converter->convert(soundFiles);
+}
+
+void cRouteSelector::convertFinished(bool ok)
+{
+    progress->finish();
+    QWidget* target = blockedWindow ? blockedWindow.data() : QApplication::activeWindow();
+    if (target)
+        target->setEnabled(true);
+    blockedWindow.clear();
+    if (ok)
+        return;
+    qDebug() << "Error converting sound files";
+    cErrorDialog dialog(this);
+    dialog.setFiles(failedFiles);
+    dialog.exec();
+}
+
+// A file may be reported as failed twice; the user sees it once.
+void cRouteSelector::fileProcessed(const QString& fn, bool result)
+{
+    progress->fileProcessed(fn);
+    if (result)
+        return;
+    if (!failedFiles.contains(fn))
+        failedFiles << fn;
+    qDebug().noquote() << "Error converting sound file:" << fn;
 }
 
 void cRouteSelector::setError(bool error, const QString& message)

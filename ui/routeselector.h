@@ -2,7 +2,9 @@
 #define VOSK_ROUTESELECTOR_H
 
 #include <QDockWidget>
+#include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QUuid>
 
 class QAction;
@@ -10,11 +12,14 @@ class QListWidget;
 class QListWidgetItem;
 class QMenu;
 class QVBoxLayout;
+class cConvertProgress;
+class cConverter;
 class cProjectManager;
+class cSaveDialog;
 
-// The dock with the project file commands, the list of the project's routes
-// and the route imports. It announces which route is selected and when routes
-// or the project's file name change.
+// The dock with the project file commands, the list of the project's routes,
+// the route imports and the export of routes to the device. It announces
+// which route is selected and when routes or the project's file name change.
 class cRouteSelector : public QDockWidget
 {
     Q_OBJECT
@@ -46,6 +51,9 @@ private slots:
     void routeListContextMenu(const QPoint& p);
     void routeDeleteRequest();
     void routeImported(const QUuid& id);
+    void saveRoute();
+    void convertFinished(bool ok);
+    void fileProcessed(const QString& fn, bool result);
 
 private:
     enum class ImportKind { Evt, Lua };
@@ -62,7 +70,15 @@ private:
     QMenu* routeMenu;
     QAction* addAction;
     QAction* deleteAction;
+    cConverter* converter;
+    cSaveDialog* saveDialog;
+    QStringList soundFiles;
+    QStringList failedFiles;
     QString fileName;
+    cConvertProgress* progress;
+    // The window disabled while sounds convert; it is enabled again even if
+    // another window became active meanwhile.
+    QPointer<QWidget> blockedWindow;
 };
 
 #endif
