@@ -301,26 +301,27 @@ void cMapViewer::mapSourceChanged(int src)
     }
 }
 
+// The stop's last place becomes the map's starting point next time.
+void cMapViewer::rememberMarker()
+{
+    if (!marker)
+        return;
+    lastCoord = marker->coordinate();
+    QSettings settings;
+    settings.setValue(QStringLiteral("MapViewer/LastCoord"), lastCoord);
+    settings.sync();
+}
+
 void cMapViewer::okSlot()
 {
-    if (marker) {
-        lastCoord = marker->coordinate();
-        QSettings settings;
-        settings.setValue(QStringLiteral("MapViewer/LastCoord"), lastCoord);
-        settings.sync();
-    }
+    rememberMarker();
     hide();
     emit ok();
 }
 
 void cMapViewer::cancelSlot()
 {
-    if (marker) {
-        lastCoord = marker->coordinate();
-        QSettings settings;
-        settings.setValue(QStringLiteral("MapViewer/LastCoord"), lastCoord);
-        settings.sync();
-    }
+    rememberMarker();
     courseSet = false;
     hide();
 }

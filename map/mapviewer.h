@@ -55,6 +55,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void rememberMarker();
     void createMap();
     void destroyMap();
     void applyProxy();

@@ -201,6 +201,21 @@ cProject generatedProject(int routeCount, int stopsPerBranch)
     return project;
 }
 
+QPointF firstStopCenter(lua_State* L)
+{
+    const int top = lua_gettop(L);
+    lua_getfield(L, -1, "stops");
+    lua_getfield(L, -1, "direct");
+    lua_rawgeti(L, -1, 1);
+    lua_getfield(L, -1, "zone");
+    lua_getfield(L, -1, "center");
+    lua_getfield(L, -1, "lon");
+    lua_getfield(L, -2, "lat");
+    const QPointF center(lua_tonumber(L, -2), lua_tonumber(L, -1));
+    lua_settop(L, top);
+    return center;
+}
+
 lua_State* runInStockLua(const QByteArray& text, const char* name, QString* error)
 {
     lua_State* L = luaL_newstate();

@@ -4,6 +4,7 @@
 #include "project.h"
 
 #include <QObject>
+#include <QPointF>
 
 #include <QByteArray>
 #include <QString>
@@ -61,6 +62,10 @@ public:
     QStringList messages() const;
     void clear();
 };
+
+// The centre of the first stop of the direct branch of the route table on
+// the top of the stack, as the device's interpreter computes it.
+QPointF firstStopCenter(lua_State* L);
 
 } // namespace testsupport
 
