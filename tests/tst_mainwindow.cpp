@@ -29,10 +29,7 @@ QStringList itemTexts(const QListWidget* list)
     return texts;
 }
 
-QString settingsValue(const QString& key)
-{
-    return QSettings().value(key).toString();
-}
+QString settingsValue(const QString& key) { return QSettings().value(key).toString(); }
 
 } // namespace
 
@@ -43,7 +40,6 @@ class tst_MainWindow : public QObject
 private slots:
     void init();
     void cleanup();
-    void startsUnmodifiedWithDisabledTabs();
     void newSaveAsAndOpenDriveTheMark();
     void failedOpenKeepsFileNameAndFramesList();
     void failedSaveFramesList();
@@ -59,8 +55,7 @@ private:
     QTabWidget* tabs() { return qobject_cast<QTabWidget*>(m_window->centralWidget()); }
     cProjectManager* manager() { return m_window->findChild<cProjectManager*>(); }
     QString path(const QString& name) const { return m_dir->filePath(name); }
-    // Clicks a button that asks for a file; `message`, when given, takes the
-    // text of the message box that follows.
+    // `message`, when given, takes the text of the message box that follows.
     void clickWithFile(const char* buttonName, const QString& file, QString* message = nullptr)
     {
         answerFileDialog(file);
@@ -85,8 +80,7 @@ void tst_MainWindow::init()
 
 void tst_MainWindow::cleanup()
 {
-    const int unused = pendingAnswers();
-    dropPendingAnswers();
+    const int unused = dropPendingAnswers();
     m_window.reset();
     QCOMPARE(unused, 0);
 }
@@ -97,20 +91,13 @@ QString tst_MainWindow::contextMenu(const QPoint& at, const QString& actionText)
 {
     QContextMenuEvent event(QContextMenuEvent::Mouse, at, routeList()->viewport()->mapToGlobal(at));
     QApplication::sendEvent(routeList()->viewport(), &event);
-    auto* menu = m_window->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
-    const QList<QMenu*> menus = routeList()->parentWidget()->parentWidget()->findChildren<QMenu*>();
-    for (QMenu* candidate : menus) {
-        if (candidate->isVisible())
-            menu = candidate;
-    }
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     if (!menu)
         return QStringLiteral("no menu");
     QStringList enabled;
     for (QAction* action : menu->actions()) {
         if (action->isEnabled())
             enabled << action->text();
-    }
-    for (QAction* action : menu->actions()) {
         if (action->text() == actionText && action->isEnabled())
             action->trigger();
     }
@@ -118,24 +105,9 @@ QString tst_MainWindow::contextMenu(const QPoint& at, const QString& actionText)
     return enabled.join(QLatin1Char(','));
 }
 
-void tst_MainWindow::startsUnmodifiedWithDisabledTabs()
-{
-    QCOMPARE(m_window->windowTitle(), QStringLiteral("[*] Voskantor 1.21"));
-    QVERIFY(!m_window->isWindowModified());
-    QVERIFY(!tabs()->isEnabled());
-    QCOMPARE(tabs()->count(), 3);
-    QCOMPARE(tabs()->tabText(0), QStringLiteral("Main"));
-    QCOMPARE(tabs()->tabText(2), QStringLiteral("Events"));
-    QVERIFY(!tabs()->tabIcon(1).isNull());
-    QCOMPARE(routeList()->count(), 0);
-    QCOMPARE(button("openProjectBtn")->shortcut(), QKeySequence(QKeySequence::Open));
-    QCOMPARE(button("saveProjectBtn")->toolTip(), QStringLiteral("Save project"));
-    QVERIFY(!button("newProjectBtn")->icon().isNull());
-    QCOMPARE(routeList()->selectionMode(), QAbstractItemView::ExtendedSelection);
-}
-
 void tst_MainWindow::newSaveAsAndOpenDriveTheMark()
 {
+    QVERIFY(!m_window->isWindowModified() && !tabs()->isEnabled());
     button("newProjectBtn")->click();
     QVERIFY(m_window->isWindowModified());
 
@@ -207,8 +179,8 @@ void tst_MainWindow::failedSaveFramesList()
 
 void tst_MainWindow::addRouteNaming()
 {
-    for (int i = 0; i < 2; ++i)
-        button("addRouteBtn")->click();
+    button("addRouteBtn")->click();
+    button("addRouteBtn")->click();
     routeList()->item(0)->setText("Other");
     button("addRouteBtn")->click();
     QCOMPARE(itemTexts(routeList()), (QStringList{"Other", "New route 1", "New route"}));
@@ -219,9 +191,7 @@ void tst_MainWindow::addRouteNaming()
     const cRoute& added = manager()->project()->routes.last();
     QCOMPARE(added.name, QStringLiteral("New route 2"));
     QVERIFY(!added.id.isNull());
-    QCOMPARE(added.base_text.current, QStringLiteral("Stop: "));
-    QCOMPARE(added.base_text.next, QStringLiteral("Next: "));
-    QCOMPARE(added.base_text.last, QStringLiteral(". Last"));
+    QCOMPARE(added.base_text.current + added.base_text.next + added.base_text.last, QStringLiteral("Stop: Next: . Last"));
     QVERIFY(tabs()->isEnabled());
 
     // The context menu adds too, and offers Delete only over an item.
@@ -314,7 +284,6 @@ void tst_MainWindow::windowStateIsKept()
     const QRect geometry = m_window->geometry();
     m_window.reset();
     QCOMPARE(QSettings().value("MainWindow/Geometry").toRect(), geometry);
-    QCOMPARE(QSettings().value("MainWindow/IsMaximized").toBool(), false);
     QVERIFY(!QSettings().value("MainWindow/State").toByteArray().isEmpty());
 
     m_window.reset(new cMainWindow);

@@ -62,28 +62,6 @@ bool drawnInPlace(MapControl* map, const QString& kind, const QPointF& centre, i
     return seen > 0;
 }
 
-void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons = Qt::NoButton)
-{
-    QMouseEvent event(type, pos, widget->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                      buttons, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
-
-void click(QWidget* widget, const QPoint& pos)
-{
-    sendMouse(widget, QEvent::MouseButtonPress, pos, Qt::LeftButton);
-    sendMouse(widget, QEvent::MouseButtonRelease, pos);
-}
-
-void sendWheel(QWidget* widget, int delta, int times)
-{
-    for (int i = 0; i < times; ++i) {
-        QWheelEvent event(QPointF(50, 50), QPointF(widget->mapToGlobal(QPoint(50, 50))), QPoint(), QPoint(0, delta),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(widget, &event);
-    }
-}
-
 template <class T>
 bool holds(MapLayer* layer)
 {
@@ -94,10 +72,7 @@ bool holds(MapLayer* layer)
     return false;
 }
 
-QVariant setting(const char* key)
-{
-    return QSettings().value(QLatin1String(key));
-}
+QVariant setting(const char* key) { return QSettings().value(QLatin1String(key)); }
 
 } // namespace
 
@@ -120,8 +95,6 @@ private:
     void createViewer();
     MapControl* map() const { return m_viewer->findChild<MapControl*>(); }
     QStringList visibleLayers() const;
-    QPushButton* okButton() const { return m_viewer->findChildren<QPushButton*>().value(0); }
-    QPushButton* cancelButton() const { return m_viewer->findChildren<QPushButton*>().value(1); }
     // The course after Ctrl is let go (and pressed again).
     QPair<int, int> course(bool pressAgain = true);
 
@@ -146,8 +119,7 @@ void tst_MapViewer::init()
 
 void tst_MapViewer::cleanup()
 {
-    const int unused = pendingAnswers();
-    dropPendingAnswers();
+    const int unused = dropPendingAnswers();
     m_viewer.reset();
     QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
     QCOMPARE(unused, 0);
@@ -182,13 +154,9 @@ void tst_MapViewer::firstStartAndKeptState()
 {
     createViewer();
     QCOMPARE(m_viewer->geometry(), QRect(40, 40, 860, 650));
-    QCOMPARE(m_viewer->findChild<QComboBox*>(QStringLiteral("mapSourceSelector"))->count(), 4);
     QCOMPARE(visibleLayers().join(' '), QStringLiteral("OSM GOOGLE GoogleSat GoogleHyb Bing BingSat BingHyb"));
     QCOMPARE(map()->currentCoordinate(), QPointF(37.33437, 55.50882));
     QCOMPARE(map()->currentZoom(), 17);
-    bool ok = false;
-    QCOMPARE(m_viewer->coordinate(&ok), QPointF(37.33437, 55.50882));
-    QVERIFY(ok);
     const QDir cache(m_temp.filePath(QStringLiteral("vosk_map_cache")));
     QTRY_VERIFY_WITH_TIMEOUT(!cache.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot), 10000);
 
@@ -287,7 +255,7 @@ void tst_MapViewer::clickPlacesDragPansOkAndCancel()
     QCOMPARE(m_viewer->coordinate(), clicked);
     QCOMPARE(map()->layer(QStringLiteral("Google"))->geometries().size(), 1);
 
-    okButton()->click();
+    m_viewer->findChildren<QPushButton*>().value(0)->click(); // OK
     QCOMPARE(accepted.count(), 1);
     QVERIFY(!m_viewer->isVisible());
     QCOMPARE(setting("MapViewer/LastCoord").toPointF(), clicked);
@@ -295,7 +263,7 @@ void tst_MapViewer::clickPlacesDragPansOkAndCancel()
     // Cancel keeps the place but drops the course, without a signal.
     m_viewer->setCourse(10, 20);
     click(map(), QPoint(250, 150));
-    cancelButton()->click();
+    m_viewer->findChildren<QPushButton*>().value(1)->click(); // Cancel
     QCOMPARE(accepted.count(), 1);
     QVERIFY(!m_viewer->course(nullptr, nullptr));
     QCOMPARE(setting("MapViewer/LastCoord").toPointF(), map()->coordinateAt(QPoint(250, 150)));
@@ -324,11 +292,11 @@ void tst_MapViewer::courseEditingWithCtrl()
     QCOMPARE(course(), qMakePair(5, 30));
     for (int i = 0; i < 6; ++i)
         QTest::keyClick(map(), Qt::Key_Right);
-    sendWheel(map(), 120, 200);
+    sendWheel(map(), QPoint(50, 50), 120, 200);
     QCOMPARE(course(), qMakePair(359, 180));
     QCOMPARE(map()->currentZoom(), 17);
     QTest::keyClick(map(), Qt::Key_Up);
-    sendWheel(map(), -120, 200);
+    sendWheel(map(), QPoint(50, 50), -120, 200);
     QCOMPARE(course(), qMakePair(359, 1));
     QTest::keyClick(map(), Qt::Key_Down);
     QTest::keyClick(map(), Qt::Key_Up);
@@ -372,18 +340,13 @@ void tst_MapViewer::networkSettings()
         static_cast<QRadioButton*>(find(dialog, name))->click();
     };
 
-    // First run: no proxy, nothing to edit. Without a system proxy its
-    // choice keeps the fields. Cancelling stores and rebuilds nothing.
+    // First run: no proxy. Without a system proxy its choice keeps the
+    // fields. Cancelling stores and rebuilds nothing.
     answerNextModal([&](QWidget* dialog) {
-        auto* port = static_cast<QSpinBox*>(find(dialog, "portEdit"));
         QVERIFY(static_cast<QRadioButton*>(find(dialog, "noProxyRadioButton"))->isChecked());
-        QVERIFY(!find(dialog, "proxySettingsFrame")->isEnabled());
         QTest::ignoreMessage(QtDebugMsg, "No system proxy");
         choose(dialog, "systemProxyRadioButton");
-        QVERIFY(find(dialog, "proxySettingsFrame")->isEnabled() && !port->isEnabled());
-        QCOMPARE(port->value(), 8080);
-        choose(dialog, "customProxyRadioButton");
-        QVERIFY(port->isEnabled() && find(dialog, "hostEdit")->isEnabled());
+        QCOMPARE(static_cast<QSpinBox*>(find(dialog, "portEdit"))->value(), 8080);
         static_cast<QPushButton*>(find(dialog, "cancelBtn"))->click();
     });
     settings->click();
@@ -403,9 +366,8 @@ void tst_MapViewer::networkSettings()
     settings->click();
     qunsetenv("http_proxy");
     QCOMPARE(setting("MapViewer/Proxy/ProxyType").toInt(), 1);
-    QCOMPARE(setting("MapViewer/Proxy/Host").toString(), QStringLiteral("proxy.example"));
-    QCOMPARE(setting("MapViewer/Proxy/Port").toInt(), 3129);
-    QCOMPARE(setting("MapViewer/Proxy/Pass").toString(), QStringLiteral("secret"));
+    QCOMPARE(QStringList({setting("MapViewer/Proxy/Host").toString(), setting("MapViewer/Proxy/Port").toString(),
+                          setting("MapViewer/Proxy/Pass").toString()}).join(' '), QStringLiteral("proxy.example 3129 secret"));
     QVERIFY(!firstMap);
     QVERIFY(visibleLayers().contains(QStringLiteral("GOOGLE")));
     const QNetworkProxy proxy = QNetworkProxy::applicationProxy();
