@@ -63,14 +63,6 @@ void cPlayer::play(const QString& file)
     start(QThread::InheritPriority);
 }
 
-void cPlayer::waitFinished()
-{
-    while (isRunning()) {
-        QCoreApplication::processEvents();
-        msleep(100);
-    }
-}
-
 void cPlayer::run()
 {
     // Results are only logged: a failed step makes the next ones fail too,

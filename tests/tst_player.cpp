@@ -170,7 +170,7 @@ int main(int argc, char* argv[])
     if (argc > 2 && qstrcmp(argv[1], "--play") == 0) {
         cPlayer player(frequency);
         player.play(QString::fromLocal8Bit(argv[2]));
-        player.waitFinished();
+        player.wait();
         return 0;
     }
     tst_Player test;

@@ -424,14 +424,12 @@ void cRouteSelector::convertFinished(bool ok)
     dialog.exec();
 }
 
-// A file may be reported as failed twice; the user sees it once.
 void cRouteSelector::fileProcessed(const QString& fn, bool result)
 {
     progress->fileProcessed(fn);
     if (result)
         return;
-    if (!failedFiles.contains(fn))
-        failedFiles << fn;
+    failedFiles << fn;
     qDebug().noquote() << "Error converting sound file:" << fn;
 }
 
