@@ -2,12 +2,12 @@
 // taking the same start-up steps as the editor. Run it under the display to
 // be measured (for example xvfb-run).
 
+#include "guisupport.h"
 #include "mainwindow.h"
 #include "startup.h"
 
 #include <QApplication>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTranslator>
 
@@ -44,9 +44,7 @@ int main(int argc, char* argv[])
     const double started = processStart();
     // Settings and logs go to a scratch folder, so the figure is that of a
     // first start.
-    QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
-    qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
+    guisupport::cIsolatedHome home;
 
     setApplicationNames();
     QApplication app(argc, argv);

@@ -1,6 +1,7 @@
 // Selecting a route of 500 stops in each branch, then one of its stops, in
 // the real main window: both must take well under 100 ms.
 
+#include "guisupport.h"
 #include "mainwindow.h"
 #include "projectmanager.h"
 #include "startup.h"
@@ -10,7 +11,6 @@
 #include <QElapsedTimer>
 #include <QListView>
 #include <QListWidget>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
@@ -30,9 +30,7 @@ double median(QVector<double> values)
 
 int main(int argc, char* argv[])
 {
-    QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
-    qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
+    guisupport::cIsolatedHome home;
     setApplicationNames();
     QApplication app(argc, argv);
     applyApplicationLook(app);
