@@ -2,6 +2,7 @@
 #include "startup.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <QTranslator>
 
 int main(int argc, char* argv[])
@@ -13,6 +14,9 @@ int main(int argc, char* argv[])
 
     auto* window = new cMainWindow(nullptr);
     window->show();
+    // From inside the event loop, so the window is up before a long read or
+    // an error message.
+    QTimer::singleShot(0, window, [window] { openProjectFromArguments(*window, QCoreApplication::arguments()); });
     const int result = app.exec();
 
     delete window;

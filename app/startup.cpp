@@ -1,14 +1,21 @@
 #include "startup.h"
 
+#include "mainwindow.h"
+#include "player.h"
+#include "routeselector.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
+#include <QStringList>
 #include <QTranslator>
 
 void setApplicationNames()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Norvalis"));
     QCoreApplication::setApplicationName(QStringLiteral("Voskantor"));
+    // Lets the desktop match the window to its launcher entry and icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.norvalis.Voskantor"));
 }
 
 void applyApplicationLook(QApplication& app)
@@ -31,4 +38,20 @@ QTranslator* installTranslation(QApplication& app)
     translator->load(QStringLiteral(":/tr/vosk.qm"));
     app.installTranslator(translator);
     return translator;
+}
+
+QStringList projectFileArguments(const QStringList& arguments)
+{
+    QStringList files;
+    for (int i = 1; i < arguments.size(); ++i) {
+        if (!arguments.at(i).startsWith(QLatin1String(soundDeviceOption)))
+            files << arguments.at(i);
+    }
+    return files;
+}
+
+void openProjectFromArguments(cMainWindow& window, const QStringList& arguments)
+{
+    if (auto* selector = window.findChild<cRouteSelector*>())
+        selector->openProjectFiles(projectFileArguments(arguments));
 }

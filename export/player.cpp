@@ -19,10 +19,9 @@ cPlayer::cPlayer(int frequency, QObject* parent)
 {
     qDebug() << "BASS Ver:" << cAudioBackend::version();
 
-    const QString option = QStringLiteral("/sound:");
     const QStringList arguments = QCoreApplication::arguments();
     for (const QString& argument : arguments) {
-        if (!argument.startsWith(option))
+        if (!argument.startsWith(QLatin1String(soundDeviceOption)))
             continue;
         const QStringList parts = argument.split(QLatin1Char(':'));
         if (parts.size() != 2) {

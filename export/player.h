@@ -5,6 +5,9 @@
 #include <QString>
 #include <QThread>
 
+// Command-line prefix of the sound output device choice, as in "/sound:2".
+inline constexpr char soundDeviceOption[] = "/sound:";
+
 // Previews one sound file at a time on a thread of its own, so the editor
 // stays responsive while it plays. A sound always plays to its end; a new
 // request while one plays is dropped.

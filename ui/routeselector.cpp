@@ -191,8 +191,22 @@ QString cRouteSelector::askProjectFile(bool forSaving)
 void cRouteSelector::openProject()
 {
     const QString path = askProjectFile(false);
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        openProjectFile(path);
+}
+
+void cRouteSelector::openProjectFiles(const QStringList& paths)
+{
+    if (paths.size() == 1) {
+        openProjectFile(paths.first());
+    } else if (paths.size() > 1) {
+        qDebug().noquote() << "Only one project can be opened, given:" << paths.join(QStringLiteral(", "));
+        setError(true, tr("Project has some errors, failed to open."));
+    }
+}
+
+void cRouteSelector::openProjectFile(const QString& path)
+{
     if (projectManager->openProject(path)) {
         setError(false);
         fileName = path;

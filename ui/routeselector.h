@@ -27,6 +27,11 @@ class cRouteSelector : public QDockWidget
 public:
     cRouteSelector(cProjectManager* manager, QWidget* parent);
 
+    // Opens the project named from outside the panel (on the command line)
+    // as Open does once a file is chosen. The editor holds one project, so
+    // more than one name fails the way an unreadable file does.
+    void openProjectFiles(const QStringList& paths);
+
 signals:
     void routeChanged(const QUuid& id);
     void routeSelected(const QUuid& id);
@@ -59,6 +64,7 @@ private:
     enum class ImportKind { Evt, Lua };
 
     void importRoute(ImportKind kind);
+    void openProjectFile(const QString& path);
     void setError(bool error, const QString& message = QString());
     QString askProjectFile(bool forSaving);
     QListWidgetItem* itemFor(const QUuid& id) const;
