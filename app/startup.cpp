@@ -15,7 +15,7 @@ void setApplicationNames()
     QCoreApplication::setOrganizationName(QStringLiteral("Norvalis"));
     QCoreApplication::setApplicationName(QStringLiteral("Voskantor"));
     // Lets the desktop match the window to its launcher entry and icon.
-    QGuiApplication::setDesktopFileName(QStringLiteral("org.norvalis.Voskantor"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.norvalis.voskantor"));
 }
 
 void applyApplicationLook(QApplication& app)

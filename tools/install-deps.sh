@@ -9,6 +9,9 @@ packages=(
   liblua5.1-0-dev lua5.1
   libsdl2-mixer-dev ffmpeg sox
   xvfb xauth
+  librsvg2-bin gzip
+  desktop-file-utils appstream libxml2-utils shared-mime-info
+  dpkg-dev lintian
 )
 
 missing=()
