@@ -121,11 +121,11 @@ bool bearingBetweenStops(const QList<cStop>& stops, int index, double* bearing)
 void cGtfsRouteBuilder::setCourses(const cGtfsPattern& pattern, cBranch* branch) const
 {
     const QVector<cGtfsPoint> path = m_feed.shape(pattern.shapeId);
-    int segment = 0;
+    double along = 0;
     for (int i = 0; i < branch->stops.size(); ++i) {
         cStop& stop = branch->stops[i];
         double bearing = 0;
-        if (!bearingAlongPath(path, {stop.lon, stop.lat}, &segment, &bearing)
+        if (!bearingAlongPath(path, {stop.lon, stop.lat}, &along, &bearing)
             && !bearingBetweenStops(branch->stops, i, &bearing))
             continue;
         stop.course_enabled = true;

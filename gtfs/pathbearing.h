@@ -5,11 +5,12 @@
 
 #include <QVector>
 
-// The direction of travel along a path (a vehicle's drawn route) where it
-// passes a place. Stops are looked up in travel order: `fromSegment` is where
-// the previous stop was found, so a path that passes the same street twice
-// is matched on the right pass; it is moved to the segment found. False when
-// the path has no segment near the place.
-bool bearingAlongPath(const QVector<cGtfsPoint>& path, const cGtfsPoint& place, int* fromSegment, double* bearing);
+// The direction of travel along a path (the line a vehicle drives) where it
+// passes a place. Stops are looked up in travel order: `along` is how far
+// along the path the previous stop was found (segment index plus fraction,
+// 0 at the start), so a path that runs down a street and back again is
+// matched on the right pass; it is moved to where this place was found.
+// False when the path does not pass near the place further on.
+bool bearingAlongPath(const QVector<cGtfsPoint>& path, const cGtfsPoint& place, double* along, double* bearing);
 
 #endif

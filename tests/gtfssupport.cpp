@@ -58,6 +58,12 @@ bool writeZip(const QString& path, const cFeedFiles& files, Packing packing)
     return zip.close();
 }
 
+QByteArray readZipEntry(const QString& path, const QString& name)
+{
+    QuaZipFile file(path, name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 bool writeFolder(const QString& dir, const cFeedFiles& files)
 {
     if (!QDir().mkpath(dir))

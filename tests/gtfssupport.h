@@ -37,6 +37,9 @@ private:
     std::unique_ptr<QuaZipFile> m_file;
 };
 
+// One file of a zip archive, read without the feed reader.
+QByteArray readZipEntry(const QString& path, const QString& name);
+
 bool writeZip(const QString& path, const cFeedFiles& files, Packing packing = Packing::Deflated);
 bool writeFolder(const QString& dir, const cFeedFiles& files);
 
