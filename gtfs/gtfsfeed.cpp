@@ -318,21 +318,12 @@ int cGtfsFeed::findRoute(const QString& idOrShortName) const
     return -1;
 }
 
-bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& progress, QString* error)
-{
-    cFeedArchive archive;
-    if (!archive.open(m_path, error))
-        return false;
-    const bool hasShapes = archive.contains(kShapes);
-    QStringList files{kStops, kStopTimes};
-    if (hasShapes)
-        files << kShapes;
-    cReadStep step(archive, files, progress);
+namespace {
 
-    QVector<cGtfsStop> stops;
-    QHash<QByteArray, int> stopIndex;
+bool readStops(cReadStep& step, QVector<cGtfsStop>* stops, QHash<QByteArray, int>* stopIndex, QString* error)
+{
     int idColumn, nameColumn, latColumn, lonColumn;
-    const bool stopsRead = step.read(
+    return step.read(
         kStops,
         {{"stop_id", &idColumn, true},
          {"stop_name", &nameColumn, false},
@@ -340,7 +331,7 @@ bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& pr
          {"stop_lon", &lonColumn, true}},
         [&](const cCsvReader& reader, QString* error) {
             const QByteArray id = reader.field(idColumn);
-            if (stopIndex.contains(id)) {
+            if (stopIndex->contains(id)) {
                 *error = definedTwice(reader, "stop_id", id);
                 return false;
             }
@@ -350,37 +341,27 @@ bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& pr
             if (!readCoordinate(reader, latColumn, "stop_lat", 90, &stop.lat, error)
                 || !readCoordinate(reader, lonColumn, "stop_lon", 180, &stop.lon, error))
                 return false;
-            stopIndex.insert(ownCopy(id), stops.size());
-            stops << stop;
+            stopIndex->insert(ownCopy(id), stops->size());
+            *stops << stop;
             return true;
         },
         error);
-    if (!stopsRead)
-        return false;
+}
 
-    // Only the trips of the chosen routes keep their stop times.
-    QVector<bool> chosen(m_routes.size(), false);
-    for (const int route : routes) {
-        if (route >= 0 && route < m_routes.size())
-            chosen[route] = true;
-    }
-    QVector<int> slotOfTrip(m_trips.size(), -1);
-    QVector<int> chosenTrips;
-    for (int trip = 0; trip < m_trips.size(); ++trip) {
-        if (chosen.at(m_trips.at(trip).route)) {
-            slotOfTrip[trip] = chosenTrips.size();
-            chosenTrips << trip;
-        }
-    }
-    QVector<QVector<cStopTime>> times(chosenTrips.size());
-
+// The stops each chosen trip runs, in order. `slotOfTrip` numbers the
+// chosen trips; the stop times of all others are passed over.
+bool readStopTimes(cReadStep& step, const QHash<QByteArray, int>& tripIndex, const QVector<int>& slotOfTrip,
+                   const QVector<cGtfsStop>& stops, const QHash<QByteArray, int>& stopIndex,
+                   QVector<QVector<int>>* tripStops, QString* error)
+{
+    QVector<QVector<cStopTime>> times(tripStops->size());
     // Stop times come grouped by trip in practice; looking the trip up only
     // when it changes keeps the millions of rows cheap.
     QByteArray lastTripId;
     int lastSlot = -1;
     bool firstRow = true;
     int tripColumn, stopColumn, sequenceColumn;
-    const bool timesRead = step.read(
+    const bool read = step.read(
         kStopTimes,
         {{"trip_id", &tripColumn, true}, {"stop_id", &stopColumn, true}, {"stop_sequence", &sequenceColumn, true}},
         [&](const cCsvReader& reader, QString* error) {
@@ -388,7 +369,7 @@ bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& pr
             if (firstRow || tripId != lastTripId) {
                 firstRow = false;
                 lastTripId = ownCopy(tripId);
-                lastSlot = slotOfTrip.value(m_tripIndex.value(tripId, -1), -1);
+                lastSlot = slotOfTrip.value(tripIndex.value(tripId, -1), -1);
             }
             if (lastSlot < 0)
                 return true;
@@ -405,14 +386,113 @@ bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& pr
             }
             const cGtfsStop& stop = stops.at(time.stop);
             if (std::isnan(stop.lat) || std::isnan(stop.lon)) {
-                *error = reader.lineError(tr("stop_id \"%1\" has no position in %2.").arg(stop.id, kStops));
+                *error = reader.lineError(
+                    QCoreApplication::translate("cGtfsFeed", "stop_id \"%1\" has no position in %2.")
+                        .arg(stop.id, kStops));
                 return false;
             }
             times[lastSlot] << time;
             return true;
         },
         error);
-    if (!timesRead)
+    if (!read)
+        return false;
+    for (int slot = 0; slot < times.size(); ++slot) {
+        QVector<cStopTime>& tripTimes = times[slot];
+        std::stable_sort(tripTimes.begin(), tripTimes.end(),
+                         [](const cStopTime& a, const cStopTime& b) { return a.sequence < b.sequence; });
+        QVector<int>& sequence = (*tripStops)[slot];
+        sequence.reserve(tripTimes.size());
+        for (const cStopTime& time : qAsConst(tripTimes))
+            sequence << time.stop;
+        tripTimes = QVector<cStopTime>();
+    }
+    return true;
+}
+
+// The points of the named shapes, each in order.
+bool readShapes(cReadStep& step, const QSet<QString>& wanted, QHash<QString, QVector<cGtfsPoint>>* shapes,
+                QString* error)
+{
+    QHash<QByteArray, QVector<cShapePoint>> points;
+    for (const QString& id : wanted)
+        points.insert(id.toUtf8(), {});
+    int shapeColumn, latColumn, lonColumn, sequenceColumn;
+    const bool read = step.read(
+        kShapes,
+        {{"shape_id", &shapeColumn, true},
+         {"shape_pt_lat", &latColumn, true},
+         {"shape_pt_lon", &lonColumn, true},
+         {"shape_pt_sequence", &sequenceColumn, true}},
+        [&](const cCsvReader& reader, QString* error) {
+            const auto found = points.find(reader.field(shapeColumn));
+            if (found == points.end())
+                return true;
+            cShapePoint point;
+            if (!parseWhole(reader.field(sequenceColumn), &point.sequence)) {
+                *error = notWhole(reader, "shape_pt_sequence", reader.field(sequenceColumn));
+                return false;
+            }
+            if (!readCoordinate(reader, latColumn, "shape_pt_lat", 90, &point.point.lat, error)
+                || !readCoordinate(reader, lonColumn, "shape_pt_lon", 180, &point.point.lon, error))
+                return false;
+            if (std::isnan(point.point.lat) || std::isnan(point.point.lon)) {
+                *error = invalidNumber(reader, "shape_pt_lat", reader.field(latColumn));
+                return false;
+            }
+            found.value() << point;
+            return true;
+        },
+        error);
+    if (!read)
+        return false;
+    for (auto it = points.begin(); it != points.end(); ++it) {
+        std::stable_sort(it.value().begin(), it.value().end(),
+                         [](const cShapePoint& a, const cShapePoint& b) { return a.sequence < b.sequence; });
+        QVector<cGtfsPoint> path;
+        path.reserve(it.value().size());
+        for (const cShapePoint& point : qAsConst(it.value()))
+            path << point.point;
+        if (!path.isEmpty())
+            shapes->insert(QString::fromUtf8(it.key()), path);
+    }
+    return true;
+}
+
+} // namespace
+
+bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& progress, QString* error)
+{
+    cFeedArchive archive;
+    if (!archive.open(m_path, error))
+        return false;
+    const bool hasShapes = archive.contains(kShapes);
+    QStringList files{kStops, kStopTimes};
+    if (hasShapes)
+        files << kShapes;
+    cReadStep step(archive, files, progress);
+
+    QVector<cGtfsStop> stops;
+    QHash<QByteArray, int> stopIndex;
+    if (!readStops(step, &stops, &stopIndex, error))
+        return false;
+
+    // Only the trips of the chosen routes keep their stop times.
+    QVector<bool> chosen(m_routes.size(), false);
+    for (const int route : routes) {
+        if (route >= 0 && route < m_routes.size())
+            chosen[route] = true;
+    }
+    QVector<int> slotOfTrip(m_trips.size(), -1);
+    QVector<int> chosenTrips;
+    for (int trip = 0; trip < m_trips.size(); ++trip) {
+        if (chosen.at(m_trips.at(trip).route)) {
+            slotOfTrip[trip] = chosenTrips.size();
+            chosenTrips << trip;
+        }
+    }
+    QVector<QVector<int>> tripStops(chosenTrips.size());
+    if (!readStopTimes(step, m_tripIndex, slotOfTrip, stops, stopIndex, &tripStops, error))
         return false;
 
     QHash<int, QVector<cGtfsPattern>> patterns;
@@ -420,107 +500,70 @@ bool cGtfsFeed::loadPatterns(const QVector<int>& routes, const cGtfsProgress& pr
         if (chosen.at(route))
             patterns.insert(route, {});
     }
-    // Route, direction and stops of a pattern -> its index in the route's list.
-    QHash<QVector<int>, int> patternOf;
-    // Trips of each pattern by shape, to name the path most of them follow.
-    QVector<QVector<QHash<int, int>>> shapeCounts(m_routes.size());
-    for (int slot = 0; slot < chosenTrips.size(); ++slot) {
-        QVector<cStopTime>& tripTimes = times[slot];
-        if (tripTimes.isEmpty())
-            continue;
-        std::stable_sort(tripTimes.begin(), tripTimes.end(),
-                         [](const cStopTime& a, const cStopTime& b) { return a.sequence < b.sequence; });
-        const cTrip& trip = m_trips.at(chosenTrips.at(slot));
-        QVector<int> key{trip.route, trip.direction};
-        for (const cStopTime& time : qAsConst(tripTimes))
-            key << time.stop;
-        tripTimes = QVector<cStopTime>();
-
-        QVector<cGtfsPattern>& routePatterns = patterns[trip.route];
-        auto found = patternOf.find(key);
-        if (found == patternOf.end()) {
-            cGtfsPattern pattern;
-            pattern.direction = trip.direction;
-            pattern.stops = key.mid(2);
-            found = patternOf.insert(key, routePatterns.size());
-            routePatterns << pattern;
-            shapeCounts[trip.route].append(QHash<int, int>());
-        }
-        const int index = found.value();
-        ++routePatterns[index].tripCount;
-        if (trip.shape >= 0)
-            ++shapeCounts[trip.route][index][trip.shape];
-    }
-
-    QHash<QByteArray, QVector<cShapePoint>> shapePoints;
-    for (auto it = patterns.begin(); it != patterns.end(); ++it) {
-        QVector<cGtfsPattern>& routePatterns = it.value();
-        for (int i = 0; i < routePatterns.size(); ++i) {
-            const QHash<int, int>& counts = shapeCounts.at(it.key()).at(i);
-            int best = -1;
-            for (auto count = counts.begin(); count != counts.end(); ++count) {
-                if (best < 0 || count.value() > counts.value(best)
-                    || (count.value() == counts.value(best) && count.key() < best))
-                    best = count.key();
-            }
-            if (best >= 0) {
-                routePatterns[i].shapeId = m_shapeIds.at(best);
-                shapePoints.insert(routePatterns.at(i).shapeId.toUtf8(), {});
-            }
-        }
-        std::stable_sort(routePatterns.begin(), routePatterns.end(),
-                         [](const cGtfsPattern& a, const cGtfsPattern& b) { return a.tripCount > b.tripCount; });
-    }
-
-    if (hasShapes) {
-        int shapeColumn, latColumn, lonColumn, sequenceColumn;
-        const bool shapesRead = step.read(
-            kShapes,
-            {{"shape_id", &shapeColumn, true},
-             {"shape_pt_lat", &latColumn, true},
-             {"shape_pt_lon", &lonColumn, true},
-             {"shape_pt_sequence", &sequenceColumn, true}},
-            [&](const cCsvReader& reader, QString* error) {
-                const auto found = shapePoints.find(reader.field(shapeColumn));
-                if (found == shapePoints.end())
-                    return true;
-                cShapePoint point;
-                if (!parseWhole(reader.field(sequenceColumn), &point.sequence)) {
-                    *error = notWhole(reader, "shape_pt_sequence", reader.field(sequenceColumn));
-                    return false;
-                }
-                if (!readCoordinate(reader, latColumn, "shape_pt_lat", 90, &point.point.lat, error)
-                    || !readCoordinate(reader, lonColumn, "shape_pt_lon", 180, &point.point.lon, error))
-                    return false;
-                if (std::isnan(point.point.lat) || std::isnan(point.point.lon)) {
-                    *error = invalidNumber(reader, "shape_pt_lat", reader.field(latColumn));
-                    return false;
-                }
-                found.value() << point;
-                return true;
-            },
-            error);
-        if (!shapesRead)
-            return false;
-    }
+    groupPatterns(chosenTrips, tripStops, &patterns);
 
     QHash<QString, QVector<cGtfsPoint>> shapes;
-    for (auto it = shapePoints.begin(); it != shapePoints.end(); ++it) {
-        QVector<cShapePoint>& points = it.value();
-        if (points.isEmpty())
-            continue;
-        std::stable_sort(points.begin(), points.end(),
-                         [](const cShapePoint& a, const cShapePoint& b) { return a.sequence < b.sequence; });
-        QVector<cGtfsPoint>& path = shapes[QString::fromUtf8(it.key())];
-        path.reserve(points.size());
-        for (const cShapePoint& point : qAsConst(points))
-            path << point.point;
+    if (hasShapes) {
+        QSet<QString> wanted;
+        for (const QVector<cGtfsPattern>& routePatterns : qAsConst(patterns)) {
+            for (const cGtfsPattern& pattern : routePatterns) {
+                if (!pattern.shapeId.isEmpty())
+                    wanted.insert(pattern.shapeId);
+            }
+        }
+        if (!readShapes(step, wanted, &shapes, error))
+            return false;
     }
 
     m_stops = stops;
     m_patterns = patterns;
     m_shapes = shapes;
     return true;
+}
+
+void cGtfsFeed::groupPatterns(const QVector<int>& trips, const QVector<QVector<int>>& tripStops,
+                              QHash<int, QVector<cGtfsPattern>>* patterns) const
+{
+    // Route, direction and stops of a pattern -> its index in the route's list.
+    QHash<QVector<int>, int> patternOf;
+    // Trips of each pattern by shape, to name the path most of them follow.
+    QHash<int, QVector<QHash<int, int>>> shapeCounts;
+    for (int slot = 0; slot < trips.size(); ++slot) {
+        if (tripStops.at(slot).isEmpty())
+            continue;
+        const cTrip& trip = m_trips.at(trips.at(slot));
+        const QVector<int> key = QVector<int>{trip.route, trip.direction} + tripStops.at(slot);
+        QVector<cGtfsPattern>& routePatterns = (*patterns)[trip.route];
+        auto found = patternOf.find(key);
+        if (found == patternOf.end()) {
+            cGtfsPattern pattern;
+            pattern.direction = trip.direction;
+            pattern.stops = tripStops.at(slot);
+            found = patternOf.insert(key, routePatterns.size());
+            routePatterns << pattern;
+            shapeCounts[trip.route].append(QHash<int, int>());
+        }
+        ++routePatterns[found.value()].tripCount;
+        if (trip.shape >= 0)
+            ++shapeCounts[trip.route][found.value()][trip.shape];
+    }
+
+    for (auto it = patterns->begin(); it != patterns->end(); ++it) {
+        QVector<cGtfsPattern>& routePatterns = it.value();
+        for (int i = 0; i < routePatterns.size(); ++i) {
+            const QHash<int, int>& counts = shapeCounts.value(it.key()).at(i);
+            int best = -1;
+            for (auto count = counts.begin(); count != counts.end(); ++count) {
+                if (best < 0 || count.value() > counts.value(best)
+                    || (count.value() == counts.value(best) && count.key() < best))
+                    best = count.key();
+            }
+            if (best >= 0)
+                routePatterns[i].shapeId = m_shapeIds.at(best);
+        }
+        std::stable_sort(routePatterns.begin(), routePatterns.end(),
+                         [](const cGtfsPattern& a, const cGtfsPattern& b) { return a.tripCount > b.tripCount; });
+    }
 }
 
 bool cGtfsFeed::isLoaded(int route) const

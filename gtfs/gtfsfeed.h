@@ -99,6 +99,11 @@ private:
         int shape = -1; // index into m_shapeIds
     };
 
+    // Sorts the chosen trips' stop sequences into the patterns of their
+    // routes, each with the shape most of its trips follow.
+    void groupPatterns(const QVector<int>& trips, const QVector<QVector<int>>& tripStops,
+                       QHash<int, QVector<cGtfsPattern>>* patterns) const;
+
     QString m_path;
     QVector<cGtfsRoute> m_routes;
     QVector<cTrip> m_trips;

@@ -78,7 +78,6 @@ bool writeFolder(const QString& dir, const cFeedFiles& files)
 cFeedFiles smallFeed()
 {
     cFeedFiles files;
-    files["agency.txt"] = "agency_id,agency_name,agency_url,agency_timezone\nA,Transport,http://t.example,Europe/Moscow\n";
     files["routes.txt"] = "route_id,agency_id,route_short_name,route_long_name,route_type\n"
                           "R1,A,1,Вокзал — Центр,3\n"
                           "R2,A,2,,3\n";
@@ -88,7 +87,8 @@ cFeedFiles smallFeed()
                          "55.77,\"Школа \"\"Радуга\"\", корпус 2\",S3,37.63,\n"
                          "55.78,Рынок,S4,37.64,\n";
     files["trips.txt"] = "route_id,service_id,trip_id,direction_id,shape_id\n"
-                         "R1,W,T1,0,\nR1,W,T2,0,\nR1,W,T3,0,\nR1,W,T4,0,\nR1,W,T5,1,\nR2,W,T6,,\n";
+                         "R1,W,T1,0,\nR1,W,T2,0,\nR1,W,T3,0,\nR1,W,T4,0,\nR1,W,T5,1,\nR2,W,T6,,\n"
+                         "R1,W,T7,1,\nR1,W,T8,1,\nR1,W,T9,1,\n";
     QByteArray times = "trip_id,arrival_time,departure_time,stop_id,stop_sequence\n";
     for (const char* trip : {"T1", "T3"}) {
         for (int i = 1; i <= 4; ++i)
@@ -97,7 +97,10 @@ cFeedFiles smallFeed()
     // Out of order on purpose: the sequence numbers decide.
     times += "T2,,,S3,30\nT2,,,S1,10\nT2,,,S4,40\nT2,,,S2,20\n";
     times += "T4,,,S1,1\nT4,,,S3,2\n";
-    times += "T5,,,S4,1\nT5,,,S3,2\nT5,,,S2,3\nT5,,,S1,4\n";
+    for (const char* trip : {"T5", "T7", "T8", "T9"}) {
+        for (int i = 4; i >= 1; --i)
+            times += QByteArray(trip) + ",,,S" + QByteArray::number(i) + "," + QByteArray::number(5 - i) + "\n";
+    }
     times += "T6,,,S2,1\nT6,,,S3,2\n";
     files["stop_times.txt"] = times;
     return files;

@@ -45,8 +45,8 @@ bool writeFolder(const QString& dir, const cFeedFiles& files);
 
 // A small valid feed. Route R1 ("1", Cyrillic long name): trips T1-T3 run
 // S1 S2 S3 S4 (S2 and S4 share a name, S3's has quotes and a comma), T4 runs
-// S1 S3, both direction 0; T5 runs S4 S3 S2 S1, direction 1. Route R2 (no
-// long name): T6 runs S2 S3 without a direction.
+// S1 S3, both direction 0; T5 and T7-T9 run S4 S3 S2 S1, direction 1.
+// Route R2 (no long name): T6 runs S2 S3 without a direction.
 cFeedFiles smallFeed();
 
 // Shared data from outside the project (public feeds); fails loudly if absent.

@@ -79,21 +79,6 @@ private slots:
         QTEST(parsed.lines, "lines");
     }
 
-    void columnsFoundByName()
-    {
-        QBuffer buffer;
-        buffer.setData("\xEF\xBB\xBF" "stop_lat, stop_id ,extra,stop_id\n1,S,x,T\n");
-        buffer.open(QIODevice::ReadOnly);
-        cCsvReader reader(&buffer, QStringLiteral("stops.txt"));
-        QString error;
-        QVERIFY(reader.readHeader(&error));
-        QVERIFY(reader.readRecord(&error));
-        QCOMPARE(reader.text(reader.column("stop_id")), QStringLiteral("S"));
-        QCOMPARE(reader.text(reader.column("stop_lat")), QStringLiteral("1"));
-        QCOMPARE(reader.column("stop_lon"), -1);
-        QVERIFY(reader.field(-1).isEmpty());
-    }
-
     void unclosedQuoteNamesFileAndLine()
     {
         QCOMPARE(parse("a,b\n1,2\n3,\"open\n\n").error,
