@@ -198,9 +198,6 @@ struct cShapePoint
 
 } // namespace
 
-cGtfsFeed::cGtfsFeed() = default;
-cGtfsFeed::~cGtfsFeed() = default;
-
 bool cGtfsFeed::open(const QString& path, const cGtfsProgress& progress, QString* error)
 {
     cFeedArchive archive;

@@ -63,11 +63,6 @@ class cGtfsFeed
     Q_DECLARE_TR_FUNCTIONS(cGtfsFeed)
 
 public:
-    cGtfsFeed();
-    ~cGtfsFeed();
-    cGtfsFeed(const cGtfsFeed&) = delete;
-    cGtfsFeed& operator=(const cGtfsFeed&) = delete;
-
     // Reads routes.txt and trips.txt of a zip file or folder, and checks that
     // the other files the import needs are there.
     bool open(const QString& path, const cGtfsProgress& progress, QString* error);
