@@ -150,21 +150,13 @@ bool cProjectManager::importEvtRoute(const QString& path, QString* error)
         route.type = QStringLiteral("bidir");
         route.play_sound = true;
         route.display_text = true;
-        route.base_text.current = tr("Stop: ");
-        route.base_text.next = tr("Next: ");
-        route.base_text.last = tr(". Last");
+        route.base_text = defaultBaseTexts();
     }
 
     parseBranch(eventLists.at(0), &route.direct);
     if (eventLists.size() == 2)
         parseBranch(eventLists.at(1), &route.reverse);
 
-    // Renewed on every import on purpose: the project is no longer the one
-    // that was last opened or saved.
-    m_project.id = QUuid::createUuid();
-    m_project.version = 1;
-    m_project.routes << route;
-    emit projectOpened();
-    emit routeImported(route.id);
+    importRoutes({route});
     return true;
 }

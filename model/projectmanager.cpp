@@ -81,3 +81,27 @@ bool cProjectManager::openProject(const QString& path)
     emit projectOpened();
     return result;
 }
+
+cBaseTexts cProjectManager::defaultBaseTexts()
+{
+    cBaseTexts texts;
+    texts.current = tr("Stop: ");
+    texts.next = tr("Next: ");
+    texts.last = tr(". Last");
+    return texts;
+}
+
+void cProjectManager::importRoutes(const QList<cRoute>& routes)
+{
+    if (routes.isEmpty())
+        return;
+    // Renewed on every import on purpose: the project is no longer the one
+    // that was last opened or saved.
+    m_project.id = QUuid::createUuid();
+    m_project.version = 1;
+    for (const cRoute& route : routes) {
+        m_project.routes << route;
+        emit projectOpened();
+        emit routeImported(route.id);
+    }
+}

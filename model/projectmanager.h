@@ -23,6 +23,12 @@ public:
     bool saveProject(const QString& path);
     bool importEvtRoute(const QString& path, QString* error);
     bool importLuaRoute(const QString& path, QString* error);
+    // Appends finished routes as every importer does, announcing each one as
+    // it arrives. Routes are built whole beforehand, so this cannot fail.
+    void importRoutes(const QList<cRoute>& routes);
+
+    // The fixed display messages every new or imported route starts with.
+    static cBaseTexts defaultBaseTexts();
 
 signals:
     void projectCreated();

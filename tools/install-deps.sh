@@ -8,6 +8,7 @@ packages=(
   qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
   liblua5.1-0-dev lua5.1
   libsdl2-mixer-dev ffmpeg sox
+  libquazip1-qt5-dev
   xvfb xauth
   librsvg2-bin gzip
   desktop-file-utils appstream libxml2-utils shared-mime-info

@@ -17,6 +17,25 @@
     </message>
 </context>
 <context>
+    <name>cCsvReader</name>
+    <message>
+        <source>the file is damaged or cut short.</source>
+        <translation>файл повреждён или обрезан.</translation>
+    </message>
+    <message>
+        <source>a quoted field is not closed.</source>
+        <translation>поле в кавычках не закрыто.</translation>
+    </message>
+    <message>
+        <source>%1 is empty.</source>
+        <translation>%1 пуст.</translation>
+    </message>
+    <message>
+        <source>%1, line %2: %3</source>
+        <translation>%1, строка %2: %3</translation>
+    </message>
+</context>
+<context>
     <name>cErrorDialog</name>
     <message>
         <source>Error</source>
@@ -25,6 +44,71 @@
     <message>
         <source>Failed to convert sound files:</source>
         <translation>Не удалось преобразовать звуковые файлы:</translation>
+    </message>
+</context>
+<context>
+    <name>cFeedArchive</name>
+    <message>
+        <source>%1 does not exist.</source>
+        <translation>%1 не существует.</translation>
+    </message>
+    <message>
+        <source>%1 is not a readable zip archive; it may be damaged or cut short.</source>
+        <translation>%1 не читается как zip-архив; возможно, он повреждён или обрезан.</translation>
+    </message>
+    <message>
+        <source>%1 could not be read.</source>
+        <translation>Не удалось прочитать %1.</translation>
+    </message>
+    <message>
+        <source>%1 is damaged in the archive.</source>
+        <translation>%1 в архиве повреждён.</translation>
+    </message>
+</context>
+<context>
+    <name>cGtfsFeed</name>
+    <message>
+        <source>the column %1 is missing.</source>
+        <translation>нет столбца %1.</translation>
+    </message>
+    <message>
+        <source>Reading the feed was cancelled.</source>
+        <translation>Чтение фида отменено.</translation>
+    </message>
+    <message>
+        <source>%1 &quot;%2&quot; is not a valid number.</source>
+        <translation>%1 «%2» не является допустимым числом.</translation>
+    </message>
+    <message>
+        <source>%1 &quot;%2&quot; is not a whole number.</source>
+        <translation>%1 «%2» не является целым числом.</translation>
+    </message>
+    <message>
+        <source>%1 &quot;%2&quot; is not defined in %3.</source>
+        <translation>%1 «%2» не определён в %3.</translation>
+    </message>
+    <message>
+        <source>%1 &quot;%2&quot; is defined twice.</source>
+        <translation>%1 «%2» определён дважды.</translation>
+    </message>
+    <message>
+        <source>The feed has no %1.</source>
+        <translation>В фиде нет файла %1.</translation>
+    </message>
+    <message>
+        <source>direction_id &quot;%1&quot; is neither 0 nor 1.</source>
+        <translation>direction_id «%1» не равен ни 0, ни 1.</translation>
+    </message>
+    <message>
+        <source>stop_id &quot;%1&quot; has no position in %2.</source>
+        <translation>У stop_id «%1» нет координат в %2.</translation>
+    </message>
+</context>
+<context>
+    <name>cGtfsRouteBuilder</name>
+    <message>
+        <source>The stops of route %1 have not been read from the feed.</source>
+        <translation>Остановки маршрута %1 не прочитаны из фида.</translation>
     </message>
 </context>
 <context>
