@@ -85,8 +85,8 @@ void tst_Translations::catalogueMatchesTheSources()
     lupdate.setWorkingDirectory(sourceDir);
     lupdate.start(QStringLiteral(VOSK_LUPDATE),
                   {QStringLiteral("-silent"), QStringLiteral("app"), QStringLiteral("ui"), QStringLiteral("model"),
-                   QStringLiteral("export"), QStringLiteral("map"), QStringLiteral("logger"), QStringLiteral("-ts"),
-                   fresh});
+                   QStringLiteral("export"), QStringLiteral("map"), QStringLiteral("logger"), QStringLiteral("replay"),
+                   QStringLiteral("-ts"), fresh});
     QVERIFY(lupdate.waitForFinished(60000));
     QCOMPARE(lupdate.exitCode(), 0);
     QList<cMessage> expected = readTs(fresh);
