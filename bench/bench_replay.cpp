@@ -98,7 +98,8 @@ QByteArray nmeaText(const QVector<cTrackPoint>& points)
     QByteArray text;
     for (const cTrackPoint& point : points) {
         const QDateTime time = QDateTime::fromMSecsSinceEpoch(point.time, Qt::UTC);
-        const QByteArray position = nmeaCoordinate(point.lat, 2, 'N', 'S') + ',' + nmeaCoordinate(point.lon, 3, 'E', 'W');
+        const QByteArray position
+            = nmeaCoordinate(point.lat, 2, 'N', 'S') + ',' + nmeaCoordinate(point.lon, 3, 'E', 'W');
         const QByteArray clock = time.toString(QStringLiteral("hhmmss.zzz")).toLatin1();
         text += nmeaSentence("GPRMC," + clock + ",A," + position + ",15.7,,"
                              + time.toString(QStringLiteral("ddMMyy")).toLatin1() + ",,,A");

@@ -16,7 +16,10 @@ const QString gpx11Namespace = QStringLiteral("http://www.topografix.com/GPX/1/1
 class cGpxParser
 {
 public:
-    explicit cGpxParser(QIODevice* device) : m_xml(device) {}
+    explicit cGpxParser(QIODevice* device)
+        : m_xml(device)
+    {
+    }
 
     bool parse(cTrackFile* file, QString* error);
 
@@ -48,8 +51,10 @@ bool cGpxParser::fail(const QString& text)
 bool cGpxParser::failOnXmlError()
 {
     if (m_xml.error() == QXmlStreamReader::PrematureEndOfDocumentError)
-        return fail(cGpxReader::tr("Line %1: the file ends before the GPX document is complete").arg(m_xml.lineNumber()));
-    return fail(cGpxReader::tr("Line %1: the XML is not well-formed: %2").arg(m_xml.lineNumber()).arg(m_xml.errorString()));
+        return fail(
+            cGpxReader::tr("Line %1: the file ends before the GPX document is complete").arg(m_xml.lineNumber()));
+    return fail(
+        cGpxReader::tr("Line %1: the XML is not well-formed: %2").arg(m_xml.lineNumber()).arg(m_xml.errorString()));
 }
 
 bool cGpxParser::parse(cTrackFile* file, QString* error)

@@ -46,8 +46,8 @@ bool parseChecksummed(const QByteArray& line, QList<QByteArray>* fields)
 }
 
 // ddmm.mmmm (latitude) or dddmm.mmmm (longitude) with its hemisphere letter.
-bool parseCoordinate(const QByteArray& text, const QByteArray& hemisphere, char negative, char positive,
-                     double limit, double* value)
+bool parseCoordinate(const QByteArray& text, const QByteArray& hemisphere, char negative, char positive, double limit,
+                     double* value)
 {
     if (hemisphere.size() != 1 || (hemisphere.at(0) != negative && hemisphere.at(0) != positive))
         return false;

@@ -13,7 +13,11 @@
 struct cReplay::cPass
 {
     cPass(int stopCount, int start)
-        : firstPoint(start), count(stopCount, 0), visit(stopCount, -1), order(stopCount, -1), point(stopCount, -1)
+        : firstPoint(start)
+        , count(stopCount, 0)
+        , visit(stopCount, -1)
+        , order(stopCount, -1)
+        , point(stopCount, -1)
     {
     }
 
@@ -28,7 +32,10 @@ struct cReplay::cPass
     QVector<int> point;
 };
 
-cReplay::cReplay(const cTrack& track) : m_points(track.points), m_headings(headings::along(m_points)), m_index(m_points)
+cReplay::cReplay(const cTrack& track)
+    : m_points(track.points)
+    , m_headings(headings::along(m_points))
+    , m_index(m_points)
 {
 }
 
@@ -180,8 +187,8 @@ void cReplay::explainMiss(const cStop& stop, const QVector<cNearPoint>& near, cS
     }
 
     if (nearestFitting && nearestFitting->metres > stop.radius)
-        row->fixes.append({cSuggestedFix::eKind::Radius,
-                           static_cast<int>(std::ceil(nearestFitting->metres)) + radiusMarginMetres});
+        row->fixes.append(
+            {cSuggestedFix::eKind::Radius, static_cast<int>(std::ceil(nearestFitting->metres)) + radiusMarginMetres});
     if (stop.course_enabled && reversedFits)
         row->fixes.append({cSuggestedFix::eKind::CourseValue, reversed});
 }

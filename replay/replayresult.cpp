@@ -72,7 +72,8 @@ QJsonObject cReplayResult::toJson() const
             {QStringLiteral("name"), stop.name},
             {QStringLiteral("status"), statusKey(stop.status)},
             {QStringLiteral("time"), timeValue(stop.time)},
-            {QStringLiteral("heading"), std::isnan(stop.heading) ? QJsonValue() : QJsonValue(qRound(stop.heading) % 360)},
+            {QStringLiteral("heading"),
+             std::isnan(stop.heading) ? QJsonValue() : QJsonValue(qRound(stop.heading) % 360)},
             {QStringLiteral("closest_m"), std::round(stop.closestMetres * 10) / 10},
             {QStringLiteral("reason"), stop.reason},
         };

@@ -21,7 +21,8 @@ double cosineOfLatitude(double lat)
 
 } // namespace
 
-cTrackIndex::cTrackIndex(const QVector<cTrackPoint>& points) : m_points(points)
+cTrackIndex::cTrackIndex(const QVector<cTrackPoint>& points)
+    : m_points(points)
 {
     // Cells are square at the track's first latitude; elsewhere they are
     // only less even, the search box below is measured where it lies.

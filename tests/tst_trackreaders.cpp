@@ -58,7 +58,8 @@ void tst_TrackReaders::listsTheTracksOfRealFiles_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("expected");
     // Garmin extensions on every point, all on one line.
-    QTest::newRow("car, GPX 1.1") << "around-visnjan-with-car.gpx" << "GPX 1.1|2020-12-18 07:24:29:104:t";
+    QTest::newRow("car, GPX 1.1") << "around-visnjan-with-car.gpx"
+                                  << "GPX 1.1|2020-12-18 07:24:29:104:t";
     // An empty first track is left out; waypoints are not a track.
     QTest::newRow("walk with waypoints, GPX 1.0")
         << "cerknicko-jezero.gpx"
@@ -66,15 +67,19 @@ void tst_TrackReaders::listsTheTracksOfRealFiles_data()
            "ACTIVE LOG #6:2:t|ACTIVE LOG #7:2:t|ACTIVE LOG #8:21:t";
     QTest::newRow("hike, GPX 1.0") << "korita-zbevnica.gpx"
                                    << "GPX 1.0|03-OCT-10 #2:358:-|ACTIVE LOG:176:t|ACTIVE LOG #2:337:t";
-    QTest::newRow("planned route") << "route.gpx" << "GPX 1.0|Route 1:55:-";
-    QTest::newRow("empty segment") << "track-with-empty-segment.gpx" << "GPX 1.1|2013-07-06T14:59:00Z:9:t";
-    QTest::newRow("every GPX 1.0 element")
-        << "gpx1.0_with_all_fields.gpx" << "GPX 1.0|example name:3:t|second route:2:-|example name t:1:t";
-    QTest::newRow("every GPX 1.1 element")
-        << "gpx1.1_with_all_fields.gpx" << "GPX 1.1|example name:3:t|second route:2:-|example name t:1:t";
-    QTest::newRow("car, NMEA") << "around-visnjan-with-car.nmea" << "NMEA 0183|Log part 1:104:t";
+    QTest::newRow("planned route") << "route.gpx"
+                                   << "GPX 1.0|Route 1:55:-";
+    QTest::newRow("empty segment") << "track-with-empty-segment.gpx"
+                                   << "GPX 1.1|2013-07-06T14:59:00Z:9:t";
+    QTest::newRow("every GPX 1.0 element") << "gpx1.0_with_all_fields.gpx"
+                                           << "GPX 1.0|example name:3:t|second route:2:-|example name t:1:t";
+    QTest::newRow("every GPX 1.1 element") << "gpx1.1_with_all_fields.gpx"
+                                           << "GPX 1.1|example name:3:t|second route:2:-|example name t:1:t";
+    QTest::newRow("car, NMEA") << "around-visnjan-with-car.nmea"
+                               << "NMEA 0183|Log part 1:104:t";
     // gpsbabel wrote the untimed track without times, then the timed ones.
-    QTest::newRow("hike, NMEA") << "korita-zbevnica.nmea" << "NMEA 0183|Log part 1:358:-|Log part 2:513:t";
+    QTest::newRow("hike, NMEA") << "korita-zbevnica.nmea"
+                                << "NMEA 0183|Log part 1:358:-|Log part 2:513:t";
 }
 
 void tst_TrackReaders::listsTheTracksOfRealFiles()
@@ -138,7 +143,8 @@ void tst_TrackReaders::rejectsBadGpx_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("expected");
-    const QByteArray head = "<?xml version=\"1.0\"?>\n<gpx xmlns=\"http://www.topografix.com/GPX/1/1\">\n<trk><trkseg>\n";
+    const QByteArray head
+        = "<?xml version=\"1.0\"?>\n<gpx xmlns=\"http://www.topografix.com/GPX/1/1\">\n<trk><trkseg>\n";
     const QByteArray tail = "</trkseg></trk>\n</gpx>\n";
     QTest::newRow("truncated") << head + "<trkpt lat=\"45.1\" lon=\"13.7\"><time>2020-12-18T06:1"
                                << "Line 4: the file ends before the GPX document is complete";
@@ -164,7 +170,8 @@ void tst_TrackReaders::rejectsBadGpx_data()
     QTest::newRow("waypoint only, after a BOM") << withBom << "The file has no track or route points";
     QTest::newRow("only empty segments") << head + tail << "The file has no track or route points";
     QTest::newRow("empty file") << QByteArray("\n\n") << "The file is empty";
-    QTest::newRow("something else") << QByteArray("lat,lon\n45,13\n") << "This is neither a GPX file nor an NMEA 0183 log";
+    QTest::newRow("something else") << QByteArray("lat,lon\n45,13\n")
+                                    << "This is neither a GPX file nor an NMEA 0183 log";
 }
 
 void tst_TrackReaders::rejectsBadGpx()
@@ -229,8 +236,9 @@ void tst_TrackReaders::nmeaWithoutAnyFixIsAnError()
     cTrackFile file;
     QString error;
     QVERIFY(!cTrackReader::read(path, &file, &error));
-    QCOMPARE(error, QStringLiteral("The log has no valid RMC or GGA fix. Sentences without a fix: 1; "
-                                   "damaged or malformed: 1."));
+    QCOMPARE(error,
+             QStringLiteral("The log has no valid RMC or GGA fix. Sentences without a fix: 1; "
+                            "damaged or malformed: 1."));
 }
 
 QTEST_GUILESS_MAIN(tst_TrackReaders)
