@@ -34,6 +34,8 @@ struct cTrack
     QVector<cTrackPoint> points;
 
     int segmentCount() const;
+    // Whether its points carry times; cTrackReader::checkTimes tells
+    // whether all of them do.
     bool hasTimes() const;
 };
 

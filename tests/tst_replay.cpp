@@ -328,8 +328,8 @@ void tst_Replay::zoneTouchedAtItsEdge()
     QCOMPARE(fixValue(result.stops.at(1), cSuggestedFix::eKind::Radius), 36 + cReplay::radiusMarginMetres);
 }
 
-// 350° with a sector 40° wide; and, driving north with the receiver
-// reporting east, its course counts from a speed of 1 m/s.
+// 350° with a sector 40° wide; driving north with the receiver reporting
+// east, its course counts from a speed of 1 m/s.
 void tst_Replay::courseWindows()
 {
     QStringList outcomes;
@@ -358,6 +358,18 @@ void tst_Replay::courseWindows()
         outcomes << statusKey(cReplay(drive.track).replayBranch(branch, eBranchKind::Direct).stops.first().status);
     }
     QCOMPARE(outcomes.join(' '), QStringLiteral("announced missed announced missed announced missed announced"));
+
+    // Entering northbound, turning east at the stop: announced once the
+    // heading has come round, still inside the zone.
+    cDrive drive;
+    drive.go(0, 100);
+    cBranch branch;
+    branch.stops << drive.stop(QStringLiteral("Corner"), 0, 0, 30, 90);
+    const int corner = drive.track.points.size() - 1;
+    drive.go(90, 102, 6);
+    const cStopReplay turned = cReplay(drive.track).replayBranch(branch, eBranchKind::Direct).stops.first();
+    QCOMPARE(turned.announcedAt, corner + 1);
+    QCOMPARE(qRound(turned.heading), 90);
 }
 
 // Both zones cover the whole road; only the course tells the sides apart.
