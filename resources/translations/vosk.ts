@@ -66,6 +66,53 @@
     </message>
 </context>
 <context>
+    <name>cGpxReader</name>
+    <message>
+        <source>Line %1: the file ends before the GPX document is complete</source>
+        <translation>Строка %1: файл кончается раньше, чем документ GPX</translation>
+    </message>
+    <message>
+        <source>Line %1: the XML is not well-formed: %2</source>
+        <translation>Строка %1: ошибка в XML: %2</translation>
+    </message>
+    <message>
+        <source>Line %1: this is not a GPX file, its first element is &lt;%2&gt;</source>
+        <translation>Строка %1: это не файл GPX, его первый элемент — &lt;%2&gt;</translation>
+    </message>
+    <message>
+        <source>Line %1: unknown GPX namespace &quot;%2&quot;; GPX 1.0 and 1.1 can be read</source>
+        <translation>Строка %1: неизвестное пространство имён GPX «%2»; читаются GPX 1.0 и 1.1</translation>
+    </message>
+    <message>
+        <source>Track %1</source>
+        <translation>Трек %1</translation>
+    </message>
+    <message>
+        <source>Route %1</source>
+        <translation>Маршрут %1</translation>
+    </message>
+    <message>
+        <source>The file has no track or route points</source>
+        <translation>В файле нет точек трека или маршрута</translation>
+    </message>
+    <message>
+        <source>Line %1: cannot read the time &quot;%2&quot;</source>
+        <translation>Строка %1: не удаётся прочитать время «%2»</translation>
+    </message>
+    <message>
+        <source>Line %1: a point without &quot;%2&quot;</source>
+        <translation>Строка %1: точка без «%2»</translation>
+    </message>
+    <message>
+        <source>Line %1: %2 &quot;%3&quot; is not a number</source>
+        <translation>Строка %1: %2 «%3» — не число</translation>
+    </message>
+    <message>
+        <source>Line %1: %2 %3 is outside -%4 to %4</source>
+        <translation>Строка %1: %2 %3 вне пределов от -%4 до %4</translation>
+    </message>
+</context>
+<context>
     <name>cGtfsFeed</name>
     <message>
         <source>the column %1 is missing.</source>
@@ -221,6 +268,17 @@
     </message>
 </context>
 <context>
+    <name>cNmeaReader</name>
+    <message>
+        <source>Log part %1</source>
+        <translation>Часть журнала %1</translation>
+    </message>
+    <message>
+        <source>The log has no valid RMC or GGA fix. Sentences without a fix: %1; damaged or malformed: %2.</source>
+        <translation>В журнале нет ни одного действительного местоположения RMC или GGA. Предложений без местоположения: %1; повреждённых или искажённых: %2.</translation>
+    </message>
+</context>
+<context>
     <name>cPlayer</name>
     <message>
         <source>Error in setting sound device (param)</source>
@@ -260,6 +318,33 @@
     <message>
         <source>. Last</source>
         <translation>. Конечная</translation>
+    </message>
+</context>
+<context>
+    <name>cReplay</name>
+    <message>
+        <source>announced before stop %1, %2</source>
+        <translation>объявлена раньше остановки %1, %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>announced %n times on one pass</source>
+        <translation>
+            <numerusform>объявлена %n раз за один проезд</numerusform>
+            <numerusform>объявлена %n раза за один проезд</numerusform>
+            <numerusform>объявлена %n раз за один проезд</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>never inside the zone (closest %1 m, radius %2 m)</source>
+        <translation>ни разу не в зоне (ближе всего %1 м, радиус %2 м)</translation>
+    </message>
+    <message>
+        <source>inside the zone, heading %1° outside %2° ± %3°</source>
+        <translation>в зоне, но курс %1° вне %2° ± %3°</translation>
+    </message>
+    <message>
+        <source>inside the zone, but the heading is unknown: the vehicle had not yet moved 5 m</source>
+        <translation>в зоне, но курс неизвестен: машина ещё не сдвинулась на 5 м</translation>
     </message>
 </context>
 <context>
@@ -620,6 +705,25 @@
     <message>
         <source>New stop</source>
         <translation>Новая остановка</translation>
+    </message>
+</context>
+<context>
+    <name>cTrackReader</name>
+    <message>
+        <source>Cannot open %1: %2</source>
+        <translation>Не удаётся открыть %1: %2</translation>
+    </message>
+    <message>
+        <source>The file is empty</source>
+        <translation>Файл пуст</translation>
+    </message>
+    <message>
+        <source>This is neither a GPX file nor an NMEA 0183 log</source>
+        <translation>Это не файл GPX и не журнал NMEA 0183</translation>
+    </message>
+    <message>
+        <source>Line %1: this point of &quot;%2&quot; has no time, but others have one</source>
+        <translation>Строка %1: у этой точки «%2» нет времени, а у других точек есть</translation>
     </message>
 </context>
 <context>
