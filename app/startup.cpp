@@ -1,5 +1,7 @@
 #include "startup.h"
 
+#include "version.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
@@ -8,7 +10,7 @@
 void setApplicationNames()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Norvalis"));
-    QCoreApplication::setApplicationName(QStringLiteral("Voskantor"));
+    QCoreApplication::setApplicationName(QLatin1String(version::programName));
 }
 
 void applyApplicationLook(QApplication& app)
