@@ -219,13 +219,14 @@ void MapControl::paintEvent(QPaintEvent*)
     QStringList ring;
     QList<const MapAdapter*> shown;
     QList<const MapAdapter*> tooFar;
+    QSet<QString> lacking;
     for (MapLayer* layer : layers()) {
         MapAdapter* adapter = layer->mapadapter();
         if (!layer->isVisible() || !adapter)
             continue;
         adapter->setZoom(m_zoom);
         shown << adapter;
-        if (!drawTiles(painter, *adapter, offset, viewport, &wanted, &ring))
+        if (!drawTiles(painter, *adapter, offset, viewport, &wanted, &ring, &lacking))
             tooFar << adapter;
         painter.save();
         painter.translate(offset);
@@ -237,12 +238,12 @@ void MapControl::paintEvent(QPaintEvent*)
     if (m_crossHairs)
         drawCrossHairs(painter);
     drawAttribution(painter, shown, scaleRight);
-    m_notices = collectNotices(shown, tooFar);
+    m_notices = collectNotices(shown, tooFar, lacking);
     drawNotices(painter);
 }
 
 bool MapControl::drawTiles(QPainter& painter, const MapAdapter& adapter, const QPoint& offset,
-                           const QRect& viewport, QStringList* wanted, QStringList* ring)
+                           const QRect& viewport, QStringList* wanted, QStringList* ring, QSet<QString>* lacking)
 {
     // On dense screens the next level's tiles at half size are as sharp as
     // the screen; beyond the source's levels the nearest one is scaled.
@@ -289,6 +290,7 @@ bool MapControl::drawTiles(QPainter& painter, const MapAdapter& adapter, const Q
                 painter.drawImage(target, image);
             continue;
         }
+        lacking->insert(QUrl(key).authority());
         // Until it comes, the quarter of the tile one level up stands in.
         const QImage parent = zoom > lowest ? m_loader->image(adapter.tileKey(tile.x / 2, tile.y / 2, zoom - 1))
                                             : QImage();
@@ -310,7 +312,7 @@ bool MapControl::drawTiles(QPainter& painter, const MapAdapter& adapter, const Q
 }
 
 QStringList MapControl::collectNotices(const QList<const MapAdapter*>& adapters,
-                                       const QList<const MapAdapter*>& tooFar)
+                                       const QList<const MapAdapter*>& tooFar, const QSet<QString>& lacking)
 {
     const QPointF northWest = coordinateAt(QPoint(0, 0));
     const QPointF southEast = coordinateAt(QPoint(width(), height()));
@@ -325,7 +327,12 @@ QStringList MapControl::collectNotices(const QList<const MapAdapter*>& adapters,
         else if (!adapter->bounds().intersects(view))
             lines << tr("No tiles here: this area lies outside the map");
     }
-    lines += m_loader->problems();
+    // A server is named only while tiles on screen are missing for it.
+    for (const QString& host : lacking) {
+        const QString problem = m_loader->problem(host);
+        if (!problem.isEmpty())
+            lines << problem;
+    }
     lines.removeDuplicates();
     return lines;
 }

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QPointF>
 #include <QPointer>
+#include <QSet>
 #include <QUrl>
 #include <QWidget>
 
@@ -98,11 +99,12 @@ private:
     void moveView(const QPointF& coordinate, int zoom);
     void zoomAt(const QPoint& pixel, int zoom);
     // Draws the layer's tiles for the viewport, appends their keys to
-    // `wanted` and those of the ring around them to `ring`; false when there
-    // are too many to draw.
+    // `wanted`, those of the ring around them to `ring` and the hosts of
+    // tiles it lacks to `lacking`; false when there are too many to draw.
     bool drawTiles(QPainter& painter, const MapAdapter& adapter, const QPoint& offset, const QRect& viewport,
-                   QStringList* wanted, QStringList* ring);
-    QStringList collectNotices(const QList<const MapAdapter*>& adapters, const QList<const MapAdapter*>& tooFar);
+                   QStringList* wanted, QStringList* ring, QSet<QString>* lacking);
+    QStringList collectNotices(const QList<const MapAdapter*>& adapters, const QList<const MapAdapter*>& tooFar,
+                               const QSet<QString>& lacking);
     void drawNotices(QPainter& painter);
     void drawAttribution(QPainter& painter, const QList<const MapAdapter*>& adapters, int left);
     int drawScale(QPainter& painter);

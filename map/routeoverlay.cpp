@@ -136,8 +136,13 @@ void RouteOverlay::draw(QPainter* painter, const MapAdapter* adapter, const QRec
         painter->setPen(QPen(Qt::white, 1.5));
         painter->setBrush(stop.colour);
         painter->drawEllipse(centres.at(i), r, r);
+        // Text is laid out in fixed point, too short for display points of
+        // the deeper zooms: it is placed from the marker's centre.
+        painter->save();
+        painter->translate(centres.at(i));
         painter->setPen(Qt::white);
-        painter->drawText(QRectF(centres.at(i) - QPointF(r, r), QSizeF(2 * r, 2 * r)), Qt::AlignCenter, stop.label);
+        painter->drawText(QRectF(-r, -r, 2 * r, 2 * r), Qt::AlignCenter, stop.label);
+        painter->restore();
     }
     painter->restore();
 }

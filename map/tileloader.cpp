@@ -191,19 +191,10 @@ void TileLoader::want(const QStringList& keys)
     scheduleResolve();
 }
 
-QStringList TileLoader::problems() const
+QString TileLoader::problem(const QString& host) const
 {
-    QStringList lines;
-    if (m_hosts.isEmpty())
-        return lines;
-    QSet<QString> wantedHosts;
-    for (const QString& key : m_wanted)
-        wantedHosts.insert(hostOf(key));
-    for (auto it = m_hosts.cbegin(); it != m_hosts.cend(); ++it) {
-        if (!it->problem.isEmpty() && wantedHosts.contains(it.key()))
-            lines << tr("Map tiles cannot be loaded: %1 (%2)").arg(it->problem, it.key());
-    }
-    return lines;
+    const QString reason = m_hosts.value(host).problem;
+    return reason.isEmpty() ? QString() : tr("Map tiles cannot be loaded: %1 (%2)").arg(reason, host);
 }
 
 void TileLoader::resolve()

@@ -58,8 +58,9 @@ public:
     // The tiles to have, most important first. Loads of any other tile are
     // dropped; an empty list stops all fetching.
     void want(const QStringList& keys);
-    // Why the wanted tiles of some server cannot be had, one line each.
-    QStringList problems() const;
+    // Why tiles of `host` cannot be had now, as the map says it; empty
+    // while nothing is amiss.
+    QString problem(const QString& host) const;
 
     // Tile servers ask for a User-Agent that names the program.
     static QByteArray userAgent();

@@ -499,7 +499,7 @@ void cStopEditor::mapOk()
 void cStopEditor::setCentrePending(bool pending)
 {
     for (QLineEdit* edit : {ui->lonEdit, ui->latEdit}) {
-        edit->setStyleSheet(pending ? QStringLiteral("QLineEdit { border: 2px solid #e69500; }") : QString());
+        edit->setStyleSheet(pending ? QStringLiteral("QLineEdit { border: 2px solid #e69500; padding: 1px; }") : QString());
         edit->setToolTip(pending ? tr("Not applied yet: the next edit of this stop writes it") : QString());
     }
 }
