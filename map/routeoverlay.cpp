@@ -50,9 +50,9 @@ int RouteOverlay::stopAt(const QPoint& point, const MapAdapter* adapter) const
         return -1;
     for (int i = m_stops.size() - 1; i >= 0; --i) {
         const RouteStop& stop = m_stops.at(i);
-        const QPoint centre = adapter->coordinateToDisplay(stop.coordinate);
-        const int r = markerRadiusFor(stop);
-        if (stop.markerShown && QPoint::dotProduct(point - centre, point - centre) <= r * r)
+        const QPointF away = QPointF(point - adapter->coordinateToDisplay(stop.coordinate));
+        const double r = markerRadiusFor(stop);
+        if (stop.markerShown && QPointF::dotProduct(away, away) <= r * r)
             return i;
     }
     return -1;
