@@ -204,8 +204,8 @@ void cMapViewer::createMap()
 
     tileSources = cTileSource::load();
     for (const cTileSource& source : qAsConst(tileSources)) {
-        auto* adapter = new TemplateMapAdapter(source.url, source.subdomains.split(QLatin1Char(','), Qt::SkipEmptyParts),
-                                               source.apiKey, source.maxZoom);
+        const QStringList subdomains = source.subdomains.split(QLatin1Char(','), Qt::SkipEmptyParts);
+        auto* adapter = new TemplateMapAdapter(source.url, subdomains, source.apiKey, source.maxZoom);
         adapter->setAttribution(source.attribution);
         extraAdapters << adapter;
         extraLayers << new MapLayer(source.name, adapter, true);

@@ -106,7 +106,8 @@ void cTileServer::answer(QTcpSocket* socket)
     m_heads << head.left(end);
     const auto header = [&head](const QByteArray& name) {
         const int at = head.indexOf("\r\n" + name + ": ");
-        return at < 0 ? QByteArray() : head.mid(at + name.size() + 4, head.indexOf("\r\n", at + 2) - at - name.size() - 4);
+        const int from = at + name.size() + 4;
+        return at < 0 ? QByteArray() : head.mid(from, head.indexOf("\r\n", from) - from);
     };
     if (!header("User-Agent").isEmpty())
         m_userAgent = header("User-Agent");
@@ -157,8 +158,12 @@ QMap<QString, QPoint> visibleTiles(const QString& kind, const QPointF& centre, i
         - QPoint(size.width() / 2, size.height() / 2);
     const int extra = ring ? 1 : 0;
     QMap<QString, QPoint> tiles;
-    for (int y = qMax(0, topLeft.y() / 256 - extra); y <= qMin((1 << zoom) - 1, (topLeft.y() + size.height() - 1) / 256 + extra); ++y) {
-        for (int x = qMax(0, topLeft.x() / 256 - extra); x <= qMin((1 << zoom) - 1, (topLeft.x() + size.width() - 1) / 256 + extra); ++x)
+    const int last = (1 << zoom) - 1;
+    const QPoint first(qMax(0, topLeft.x() / 256 - extra), qMax(0, topLeft.y() / 256 - extra));
+    const QPoint final(qMin(last, (topLeft.x() + size.width() - 1) / 256 + extra),
+                       qMin(last, (topLeft.y() + size.height() - 1) / 256 + extra));
+    for (int y = first.y(); y <= final.y(); ++y) {
+        for (int x = first.x(); x <= final.x(); ++x)
             tiles.insert(QStringLiteral("%1/%2/%3/%4").arg(kind).arg(zoom).arg(x).arg(y), QPoint(x, y) * 256 - topLeft);
     }
     return tiles;

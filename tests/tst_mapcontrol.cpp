@@ -93,7 +93,8 @@ struct cOsmMap
     {
         for (const QString& tile : tiles) {
             const QStringList zxy = tile.split(QLatin1Char('/'));
-            if (map.tileLoader()->image(adapter.tileKey(zxy.at(2).toInt(), zxy.at(3).toInt(), zxy.at(1).toInt())).isNull())
+            const QString key = adapter.tileKey(zxy.at(2).toInt(), zxy.at(3).toInt(), zxy.at(1).toInt());
+            if (map.tileLoader()->image(key).isNull())
                 return false;
         }
         return true;

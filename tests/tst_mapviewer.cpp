@@ -275,7 +275,7 @@ void tst_MapViewer::sourcesAndTheirLayers()
     selector()->setCurrentIndex(3);
     QTRY_COMPARE(map()->attribution(), QStringLiteral("\u00a9 OpenStreetMap contributors"));
     const QRect notice = map()->attributionRect();
-    QVERIFY(map()->rect().contains(notice) && notice.right() == map()->width() - 1 && notice.bottom() == map()->height() - 1);
+    QCOMPARE(notice.bottomRight(), map()->rect().bottomRight());
     cUrlCatcher catcher;
     QDesktopServices::setUrlHandler(QStringLiteral("https"), &catcher, "open");
     click(map(), notice.center());
@@ -616,7 +616,8 @@ void tst_MapViewer::networkSettings()
                           setting("MapViewer/Proxy/Pass").toString()}).join(' '), QStringLiteral("proxy.example 3129 secret"));
     QVERIFY(!firstMap);
     QVERIFY(visibleLayers().contains(QStringLiteral("GOOGLE")));
-    QCOMPARE(error, QStringLiteral("Error|Tile source 1 cannot be used: its URL has {s} but no sub-domains are given."));
+    QCOMPARE(error,
+             QStringLiteral("Error|Tile source 1 cannot be used: its URL has {s} but no sub-domains are given."));
     QCOMPARE(selector()->itemText(4), QStringLiteral("Licensed"));
     QCOMPARE(cTileSource::load().value(0).subdomains, QStringLiteral("a,b"));
     QTest::qWait(50);

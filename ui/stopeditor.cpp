@@ -498,8 +498,9 @@ void cStopEditor::mapOk()
 // until then the fields say so.
 void cStopEditor::setCentrePending(bool pending)
 {
+    const QString amberFrame = QStringLiteral("QLineEdit { border: 2px solid #e69500; padding: 1px; }");
     for (QLineEdit* edit : {ui->lonEdit, ui->latEdit}) {
-        edit->setStyleSheet(pending ? QStringLiteral("QLineEdit { border: 2px solid #e69500; padding: 1px; }") : QString());
+        edit->setStyleSheet(pending ? amberFrame : QString());
         edit->setToolTip(pending ? tr("Not applied yet: the next edit of this stop writes it") : QString());
     }
 }
