@@ -294,7 +294,8 @@ void tst_MapViewer::extraAndOfflineSources()
     cTileSource::save({own});
     const QPointF place(30.31413, 59.93863);
     QSettings().setValue(QStringLiteral("MapViewer/LastCoord"), place);
-    QSettings().setValue(QStringLiteral("MapViewer/CurrentMapIndex"), 3);
+    // Satellite tiles first, so that OSM-style paths come from the own source only.
+    QSettings().setValue(QStringLiteral("MapViewer/CurrentMapIndex"), 1);
     createViewer();
     QCOMPARE(selector()->count(), 6);
     QCOMPARE(selector()->itemText(4), own.name);
@@ -307,7 +308,7 @@ void tst_MapViewer::extraAndOfflineSources()
     QTRY_VERIFY(m_server.requests().contains(QStringLiteral("osm/15/%1/%2").arg(int(pixel.x())).arg(int(pixel.y()))));
     QVERIFY(m_server.requests().filter(QStringLiteral("osm/17/")).isEmpty());
     QCOMPARE(setting("MapViewer/ExtraSource").toString(), own.name);
-    QCOMPARE(setting("MapViewer/CurrentMapIndex").toInt(), 3);
+    QCOMPARE(setting("MapViewer/CurrentMapIndex").toInt(), 1);
 
     // The offline map: a file is asked for (none chosen: nothing changes),
     // then shown as a layer of its own and remembered apart.
@@ -325,7 +326,7 @@ void tst_MapViewer::extraAndOfflineSources()
     QTRY_COMPARE(map()->attribution(), QStringLiteral("\u00a9 Offline"));
     QCOMPARE(setting("MapViewer/OfflineMap").toString(), file);
     QVERIFY(setting("MapViewer/OfflineMapChosen").toBool());
-    QCOMPARE(setting("MapViewer/CurrentMapIndex").toInt(), 3);
+    QCOMPARE(setting("MapViewer/CurrentMapIndex").toInt(), 1);
 
     // The next viewer opens on it; a missing file says so, the others still work.
     m_viewer.reset();
