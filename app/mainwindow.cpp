@@ -4,6 +4,7 @@
 #include "routeeditor.h"
 #include "routeselector.h"
 #include "stopeditor.h"
+#include "version.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -16,11 +17,6 @@
 
 namespace {
 
-const int versionMajor = 1;
-const int versionMinor = 21;
-const int versionBuild = 0;
-const int versionRevision = 1;
-
 const char* const settingsGroup = "MainWindow";
 
 } // namespace
@@ -31,7 +27,7 @@ cMainWindow::cMainWindow(QWidget* parent)
     , logger(this, QString(), true)
 {
     setWindowTitle(QCoreApplication::applicationName());
-    title = QStringLiteral("[*] %1 %2.%3").arg(windowTitle()).arg(versionMajor).arg(versionMinor);
+    title = QStringLiteral("[*] %1 %2.%3").arg(windowTitle()).arg(version::major).arg(version::minor);
     setWindowTitle(title);
 
     projectManager = new cProjectManager(this);
@@ -66,12 +62,12 @@ cMainWindow::cMainWindow(QWidget* parent)
 
     restoreWindowSettings();
 
-    const QString version = QStringLiteral("%1.%2.%3.%4")
-                                .arg(versionMajor)
-                                .arg(versionMinor)
-                                .arg(versionBuild)
-                                .arg(versionRevision);
-    qDebug() << windowTitle() << "application started, version:" << version << ", build date:" << __DATE__
+    const QString fullVersion = QStringLiteral("%1.%2.%3.%4")
+                                    .arg(version::major)
+                                    .arg(version::minor)
+                                    .arg(version::build)
+                                    .arg(version::revision);
+    qDebug() << windowTitle() << "application started, version:" << fullVersion << ", build date:" << __DATE__
              << __TIME__;
     qDebug() << "Current date:" << QDateTime::currentDateTime();
 }

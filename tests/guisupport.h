@@ -31,9 +31,11 @@ void answerMessageBox(QString* text = nullptr, const QString& buttonText = QStri
 
 // Mouse input as the window system delivers it; a click is a press and a
 // release of the left button.
-void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons = Qt::NoButton);
+void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons = Qt::NoButton,
+               Qt::MouseButton button = Qt::LeftButton);
 void click(QWidget* widget, const QPoint& pos);
-void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times = 1);
+void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times = 1,
+               Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 // Points settings and data folders at a temporary folder for the whole test
 // process, so that tests never touch the user's own files.

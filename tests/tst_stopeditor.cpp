@@ -1,10 +1,14 @@
 #include "expanderwidget.h"
 #include "guisupport.h"
 #include "mainwindow.h"
+#include "mapadapter.h"
+#include "mapcontrol.h"
+#include "mapviewer.h"
 #include "projectmanager.h"
 #include "startup.h"
 #include "stopeditor.h"
 #include "testsupport.h"
+#include "tileserver.h"
 
 #include <QtTest>
 #include <QApplication>
@@ -25,6 +29,7 @@ class tst_StopEditor : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
     void freshRouteShowsEmptyDirectBranch();
@@ -35,6 +40,7 @@ private slots:
     void deletingTheLastStopEmptiesTheForm();
     void expanderToggles();
     void onlyEditsMarkTheProject();
+    void placingOnTheMap();
 
 private:
     template <typename T>
@@ -69,7 +75,17 @@ private:
 
     QScopedPointer<cProjectManager> m_manager;
     QScopedPointer<cStopEditor> m_editor;
+    QTemporaryDir m_temp;
+    cTileServer m_server;
 };
+
+void tst_StopEditor::initTestCase()
+{
+    // The map keeps its tiles in the temporary folder and fetches them here.
+    qputenv("TMPDIR", m_temp.path().toLocal8Bit());
+    QVERIFY(m_server.start());
+    qputenv(qmapcontrol::MapAdapter::serverVariable, m_server.url().toLatin1());
+}
 
 void tst_StopEditor::init()
 {
@@ -267,6 +283,86 @@ void tst_StopEditor::onlyEditsMarkTheProject()
     QTest::keyClicks(editor->findChild<QLineEdit*>("stopNameEdit"), "x");
     QCoreApplication::processEvents();
     QVERIFY(window.isWindowModified());
+}
+
+void tst_StopEditor::placingOnTheMap()
+{
+    auto* viewer = m_editor->findChild<cMapViewer*>();
+    auto* map = viewer->findChild<qmapcontrol::MapControl*>();
+    const auto openMap = [&] {
+        child<QPushButton>("mapBtn")->click();
+        QVERIFY(QTest::qWaitForWindowExposed(viewer));
+    };
+    const auto press = [&](const char* text) {
+        for (QPushButton* button : viewer->findChildren<QPushButton*>()) {
+            if (button->text() == QLatin1String(text))
+                button->click();
+        }
+        QCoreApplication::processEvents();
+    };
+    const auto shownAt = [](const cStop& stop) { return QPointF(stop.lon, stop.lat); };
+    cStop& central = route().direct.stops[0];
+    cStop& school = route().direct.stops[1];
+    auto* lon = child<QLineEdit>("lonEdit");
+    selectRow(0);
+
+    // Opened on the stop with its course; moved and turned with Ctrl held
+    // while OK is clicked: the course write takes the centre along.
+    openMap();
+    QCOMPARE(viewer->coordinate(), shownAt(central));
+    guisupport::click(map, QPoint(100, 100));
+    const QPointF picked = viewer->coordinate();
+    QTest::keyPress(map, Qt::Key_Control);
+    QTest::keyClick(map, Qt::Key_Left);
+    press("OK");
+    QTest::keyRelease(map, Qt::Key_Control);
+    QCOMPARE(central.course_value, 271);
+    QCOMPARE(central.course_diff, 45);
+    QCOMPARE(lon->text(), QString::number(picked.x(), 'g', 8));
+    QCOMPARE(central.lon, lon->text().toDouble());
+    QVERIFY(lon->toolTip().isEmpty());
+
+    // A move alone waits for the next write, and the fields say so.
+    const double applied = central.lon;
+    openMap();
+    guisupport::click(map, QPoint(200, 120));
+    const QPointF moved = viewer->coordinate();
+    press("OK");
+    QCOMPARE(lon->text(), QString::number(moved.x(), 'g', 8));
+    QCOMPARE(central.lon, applied);
+    QCOMPARE(lon->toolTip(), QStringLiteral("Not applied yet: the next edit of this stop writes it"));
+    typeInto("otherTextEdit", "!");
+    QCOMPARE(central.lon, lon->text().toDouble());
+    QVERIFY(lon->toolTip().isEmpty() && lon->styleSheet().isEmpty());
+
+    // Cancel and the close button keep the stop as it is.
+    const cStop before = central;
+    for (bool closeButton : {false, true}) {
+        openMap();
+        guisupport::click(map, QPoint(50, 50));
+        QTest::keyPress(map, Qt::Key_Control);
+        QTest::keyClick(map, Qt::Key_Right);
+        if (closeButton)
+            viewer->close();
+        else
+            press("Cancel");
+        QTest::keyRelease(map, Qt::Key_Control);
+        QCOMPARE(difference(central, before), QString());
+        QCOMPARE(lon->text(), QString::number(before.lon, 'g', 8));
+    }
+
+    // The map follows the list to the next stop: its own marker, no course
+    // of the last one, and its OK lands there.
+    openMap();
+    QTest::keyPress(map, Qt::Key_Control);
+    selectRow(1);
+    QCOMPARE(viewer->editedStop(), school.id);
+    QCOMPARE(viewer->coordinate(), shownAt(school));
+    QVERIFY(!viewer->course(nullptr, nullptr));
+    QTest::keyRelease(map, Qt::Key_Control);
+    press("OK");
+    QVERIFY(!school.course_enabled && !child<QCheckBox>("courseEnabled")->isChecked());
+    QCOMPARE(difference(central, before), QString());
 }
 
 VOSK_GUI_TEST_MAIN(tst_StopEditor)

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   cmake g++ make pkg-config
-  qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
+  qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n libqt5sql5-sqlite
   liblua5.1-0-dev lua5.1
   libsdl2-mixer-dev ffmpeg sox
   libquazip1-qt5-dev

@@ -52,6 +52,9 @@ cStopEditor::cStopEditor(cProjectManager* manager, QWidget* parent)
     connect(ui->upStopBtn, &QToolButton::clicked, this, &cStopEditor::upStop);
     connect(ui->downStopBtn, &QToolButton::clicked, this, &cStopEditor::downStop);
     connect(mapViewer, &cMapViewer::ok, this, &cStopEditor::mapOk);
+    connect(ui->radiusEdit, QOverload<int>::of(&QSpinBox::valueChanged), mapViewer, &cMapViewer::setZoneRadius);
+    // Any write of the stop takes the coordinates as the fields show them.
+    connect(this, &cStopEditor::stopChanged, this, [this] { setCentrePending(false); });
     connect(ui->isReverse, &QSlider::valueChanged, this, &cStopEditor::routeDirectionChanged);
 
     directModel = new QStandardItemModel(this);
@@ -291,6 +294,11 @@ void cStopEditor::itemClicked(const QModelIndex& index)
 
     ui->upStopBtn->setEnabled(index.row() > 0);
     ui->downStopBtn->setEnabled(index.row() < shownModel()->rowCount() - 1);
+
+    // An open map follows the list, so that its OK never lands on another stop.
+    const cStop* shown = stopOf(index);
+    if (mapViewer->isVisible() && shown && shown->id != mapViewer->editedStop())
+        showMap();
 }
 
 void cStopEditor::clearEditors()
@@ -303,6 +311,7 @@ void cStopEditor::clearEditors()
     ui->courseEnabled->setChecked(false);
     ui->isKeyStop->setChecked(false);
     courseEnable(false);
+    setCentrePending(false);
 }
 
 void cStopEditor::stopEdited()
@@ -458,6 +467,7 @@ void cStopEditor::courseEnable(bool en)
 
 void cStopEditor::showMap()
 {
+    mapViewer->setRoute(shownRoute(), showsReverse(), idOf(ui->stopList->currentIndex()));
     if (!ui->latEdit->text().isEmpty() && !ui->lonEdit->text().isEmpty()) {
         mapViewer->showCoordinate(QPointF(ui->lonEdit->text().toDouble(), ui->latEdit->text().toDouble()), true);
         if (ui->courseEnabled->isChecked())
@@ -471,12 +481,27 @@ void cStopEditor::mapOk()
     const QPointF where = mapViewer->coordinate(nullptr);
     ui->lonEdit->setText(coordinateText(where.x()));
     ui->latEdit->setText(coordinateText(where.y()));
+    const cStop* stop = stopOf(ui->stopList->currentIndex());
+    setCentrePending(stop
+                     && (ui->lonEdit->text() != coordinateText(stop->lon)
+                         || ui->latEdit->text() != coordinateText(stop->lat)));
     int value = 0;
     int diff = 0;
     if (mapViewer->course(&value, &diff)) {
         ui->courseEdit->setValue(value);
         ui->diffEdit->setValue(diff);
         mapViewer->clearCourse();
+    }
+}
+
+// A centre picked on the map reaches the stop only with its next write;
+// until then the fields say so.
+void cStopEditor::setCentrePending(bool pending)
+{
+    const QString amberFrame = QStringLiteral("QLineEdit { border: 2px solid #e69500; padding: 1px; }");
+    for (QLineEdit* edit : {ui->lonEdit, ui->latEdit}) {
+        edit->setStyleSheet(pending ? amberFrame : QString());
+        edit->setToolTip(pending ? tr("Not applied yet: the next edit of this stop writes it") : QString());
     }
 }
 

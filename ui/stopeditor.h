@@ -72,6 +72,7 @@ private:
     QStandardItemModel* shownModel() const;
     cStop* stopOf(const QModelIndex& index) const;
     void moveCurrentStop(int offset);
+    void setCentrePending(bool pending);
     static QStandardItem* makeItem(const QString& name, const QUuid& id);
 
     Ui::cStopEditor* ui;

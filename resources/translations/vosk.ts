@@ -223,6 +223,40 @@
         <source>Critical error when creating map. Please try again.</source>
         <translation>Критическая ошибка при создании карты. Попробуйте ещё раз.</translation>
     </message>
+    <message>
+        <source>%1. %2
+Longitude %3, latitude %4</source>
+        <translation>%1. %2
+Долгота %3, широта %4</translation>
+    </message>
+    <message>
+        <source>Other branch</source>
+        <translation>Другое направление</translation>
+    </message>
+    <message>
+        <source>Show the route&apos;s other branch too</source>
+        <translation>Показать и другое направление маршрута</translation>
+    </message>
+    <message>
+        <source>Whole route</source>
+        <translation>Весь маршрут</translation>
+    </message>
+    <message>
+        <source>Show whole route (F)</source>
+        <translation>Показать весь маршрут (F)</translation>
+    </message>
+    <message>
+        <source>Offline map (MBTiles)…</source>
+        <translation>Офлайн-карта (MBTiles)…</translation>
+    </message>
+    <message>
+        <source>Offline map</source>
+        <translation>Офлайн-карта</translation>
+    </message>
+    <message>
+        <source>MBTiles files (*.mbtiles);;All files (*)</source>
+        <translation>Файлы MBTiles (*.mbtiles);;Все файлы (*)</translation>
+    </message>
 </context>
 <context>
     <name>cNetworkSettingsDialog</name>
@@ -265,6 +299,58 @@
     <message>
         <source>Cancel</source>
         <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Extra tile sources</source>
+        <translation>Дополнительные источники тайлов</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Название</translation>
+    </message>
+    <message>
+        <source>URL template</source>
+        <translation>Шаблон URL</translation>
+    </message>
+    <message>
+        <source>Sub-domains</source>
+        <translation>Поддомены</translation>
+    </message>
+    <message>
+        <source>API key</source>
+        <translation>Ключ API</translation>
+    </message>
+    <message>
+        <source>Max zoom</source>
+        <translation>Макс. масштаб</translation>
+    </message>
+    <message>
+        <source>Attribution</source>
+        <translation>Указание авторства</translation>
+    </message>
+    <message>
+        <source>In the URL {z}, {x} and {y}, or {q} (Bing quadkey), address the tile; {s} takes one of the sub-domains (a,b,c) and {key} the API key.</source>
+        <translation>В URL тайл задают {z}, {x} и {y} или {q} (quadkey Bing); вместо {s} подставляется один из поддоменов (a,b,c), вместо {key} — ключ API.</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Добавить</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>its name is used twice</source>
+        <translation>его название уже занято</translation>
+    </message>
+    <message>
+        <source>Tile source %1 cannot be used: %2.</source>
+        <translation>Источник тайлов %1 нельзя использовать: %2.</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
     </message>
 </context>
 <context>
@@ -706,6 +792,33 @@
         <source>New stop</source>
         <translation>Новая остановка</translation>
     </message>
+    <message>
+        <source>Not applied yet: the next edit of this stop writes it</source>
+        <translation>Ещё не применено: запишется при следующем изменении этой остановки</translation>
+    </message>
+</context>
+<context>
+    <name>cTileSource</name>
+    <message>
+        <source>it has no name</source>
+        <translation>у него нет названия</translation>
+    </message>
+    <message>
+        <source>its URL does not start with http:// or https://</source>
+        <translation>его URL не начинается с http:// или https://</translation>
+    </message>
+    <message>
+        <source>its URL needs {z}, {x} and {y}, or {q}</source>
+        <translation>в его URL нужны {z}, {x} и {y} или {q}</translation>
+    </message>
+    <message>
+        <source>its URL has {s} but no sub-domains are given</source>
+        <translation>в его URL есть {s}, но поддомены не указаны</translation>
+    </message>
+    <message>
+        <source>its maximum zoom is not a number from 0 to 19</source>
+        <translation>его максимальный масштаб — не число от 0 до 19</translation>
+    </message>
 </context>
 <context>
     <name>cTrackReader</name>
@@ -738,6 +851,37 @@
     </message>
 </context>
 <context>
+    <name>qmapcontrol::MBTilesReader</name>
+    <message>
+        <source>not an SQLite database</source>
+        <translation>это не база данных SQLite</translation>
+    </message>
+    <message>
+        <source>locked by another program</source>
+        <translation>файл заблокирован другой программой</translation>
+    </message>
+    <message>
+        <source>no table of tiles: not an MBTiles file</source>
+        <translation>нет таблицы тайлов: это не файл MBTiles</translation>
+    </message>
+    <message>
+        <source>Offline map cannot be read: %1 (%2)</source>
+        <translation>Офлайн-карту не удаётся прочитать: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>the file does not exist</source>
+        <translation>файл не существует</translation>
+    </message>
+    <message>
+        <source>its tiles are of the format &quot;%1&quot;, which cannot be shown</source>
+        <translation>её тайлы в формате «%1», который не отображается</translation>
+    </message>
+    <message>
+        <source>it holds no tiles</source>
+        <translation>в ней нет тайлов</translation>
+    </message>
+</context>
+<context>
     <name>qmapcontrol::MapControl</name>
     <message>
         <source>%1 km</source>
@@ -746,6 +890,69 @@
     <message>
         <source>%1 m</source>
         <translation>%1 м</translation>
+    </message>
+    <message>
+        <source>Zoom in to see this map</source>
+        <translation>Увеличьте масштаб, чтобы увидеть эту карту</translation>
+    </message>
+    <message>
+        <source>No tiles here: this area lies outside the map</source>
+        <translation>Здесь нет тайлов: эта область за пределами карты</translation>
+    </message>
+</context>
+<context>
+    <name>qmapcontrol::TileLoader</name>
+    <message>
+        <source>connection refused</source>
+        <translation>соединение отклонено</translation>
+    </message>
+    <message>
+        <source>connection closed by the server</source>
+        <translation>сервер закрыл соединение</translation>
+    </message>
+    <message>
+        <source>server not found</source>
+        <translation>сервер не найден</translation>
+    </message>
+    <message>
+        <source>no answer in time</source>
+        <translation>нет ответа вовремя</translation>
+    </message>
+    <message>
+        <source>the proxy refuses the connection</source>
+        <translation>прокси-сервер отклоняет соединение</translation>
+    </message>
+    <message>
+        <source>the proxy asks for a user name and password</source>
+        <translation>прокси-сервер требует имя пользователя и пароль</translation>
+    </message>
+    <message>
+        <source>secure connection failed</source>
+        <translation>не удалось установить защищённое соединение</translation>
+    </message>
+    <message>
+        <source>Map tiles cannot be loaded: %1 (%2)</source>
+        <translation>Тайлы карты не загружаются: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>too many requests</source>
+        <translation>слишком много запросов</translation>
+    </message>
+    <message>
+        <source>service unavailable</source>
+        <translation>сервис недоступен</translation>
+    </message>
+    <message>
+        <source>access refused (HTTP %1)</source>
+        <translation>доступ запрещён (HTTP %1)</translation>
+    </message>
+    <message>
+        <source>server error (HTTP %1)</source>
+        <translation>ошибка сервера (HTTP %1)</translation>
+    </message>
+    <message>
+        <source>the server sends no pictures</source>
+        <translation>сервер присылает не изображения</translation>
     </message>
 </context>
 </TS>
