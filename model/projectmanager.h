@@ -25,6 +25,9 @@ public:
     bool importLuaRoute(const QString& path, QString* error);
 
 signals:
+    // The records are about to be replaced by a new or opened project; the
+    // last moment to look at the old one.
+    void aboutToResetProject();
     void projectCreated();
     void projectOpened();
     void projectSaved();
@@ -32,6 +35,7 @@ signals:
 
 private:
     void resetProject();
+    void keepPreviousFile(const QString& path);
 
     cProject m_project;
 };

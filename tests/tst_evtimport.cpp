@@ -261,6 +261,36 @@ private slots:
         QTest::newRow("no name") << stopEvent("X").remove("<name>X</name>");
     }
 
+    // A megabyte of tags that are never closed, which the patterns would
+    // otherwise rescan from every opening one.
+    void damagedFilesEndInTime_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("stops");
+        const int megabyte = 1 << 20;
+        QTest::newRow("lists") << QString("<eventlist>").repeated(megabyte / 11) << -1;
+        QTest::newRow("events") << eventList("7", QString("<event><name>").repeated(megabyte / 13)) << 0;
+        QTest::newRow("points") << eventList("7", stopEvent("A", "<zone shape=circle><radius>5</radius>"
+                                                                 + QString("<point lat ").repeated(megabyte / 11)
+                                                                 + "</zone>"))
+                                << 0;
+        QTest::newRow("plays") << eventList("7", stopEvent("A", kZone, reaction(QString("<play file=a ").repeated(megabyte / 13))))
+                               << 1;
+    }
+
+    void damagedFilesEndInTime()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, stops);
+        cProjectManager manager;
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(import(manager, text), stops >= 0);
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        if (stops >= 0)
+            QCOMPARE(manager.project()->routes.first().direct.stops.size(), stops);
+    }
+
     // Each bad event sits between two good ones, which must both survive.
     void droppedEvents()
     {
