@@ -60,6 +60,7 @@ private:
 
     void importRoute(ImportKind kind);
     void setError(bool error, const QString& message = QString());
+    void showFailedFiles();
     QString askProjectFile(bool forSaving);
     QListWidgetItem* itemFor(const QUuid& id) const;
     static QListWidgetItem* makeItem(const QString& name, const QUuid& id);
@@ -74,6 +75,9 @@ private:
     cSaveDialog* saveDialog;
     QStringList soundFiles;
     QStringList failedFiles;
+    // Scripts or sounds that reached the disk only in part; they are listed
+    // even when every sound could be decoded.
+    bool writesFailed = false;
     QString fileName;
     cConvertProgress* progress;
     // The window disabled while sounds convert; it is enabled again even if
