@@ -2,6 +2,7 @@
 #include "startup.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <QTranslator>
 
 int main(int argc, char* argv[])
@@ -13,6 +14,7 @@ int main(int argc, char* argv[])
 
     auto* window = new cMainWindow(nullptr);
     window->show();
+    QTimer::singleShot(0, window, &cMainWindow::offerRecovery);
     const int result = app.exec();
 
     delete window;

@@ -216,6 +216,18 @@ void cRouteSelector::openProject()
     storeSettingsValue(lastProjectKey, path);
 }
 
+bool cRouteSelector::openRecovered(const QString& autosave, const QString& projectFile)
+{
+    if (!projectManager->openProject(autosave)) {
+        setError(true, tr("Project has some errors, failed to open."));
+        return false;
+    }
+    setError(false);
+    fileName = projectFile;
+    emit fileNameChanged(fileName);
+    return true;
+}
+
 void cRouteSelector::saveProject()
 {
     if (fileName.isEmpty()) {

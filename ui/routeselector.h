@@ -27,6 +27,10 @@ class cRouteSelector : public QDockWidget
 public:
     cRouteSelector(cProjectManager* manager, QWidget* parent);
 
+    // Opens an autosave in place of the project. The work belongs to
+    // `projectFile` (empty for a project never saved), which Save writes.
+    bool openRecovered(const QString& autosave, const QString& projectFile);
+
 signals:
     void routeChanged(const QUuid& id);
     void routeSelected(const QUuid& id);
