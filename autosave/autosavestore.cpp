@@ -27,6 +27,18 @@ QUuid projectIdIn(const QString& projectFile)
     return id.indexIn(head) == 0 ? QUuid(id.cap(1)) : QUuid();
 }
 
+// An autosave that only repeats its project file holds no lost work, as
+// after an open that failed before it changed anything.
+bool repeatsItsFile(const cAutosaveEntry& entry)
+{
+    QFile autosave(entry.path);
+    QFile project(entry.projectFile);
+    if (!autosave.open(QIODevice::ReadOnly) || !project.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray saved = autosave.readAll();
+    return saved.mid(saved.indexOf("project =")) == project.readAll();
+}
+
 } // namespace
 
 cAutosaveStore::cAutosaveStore(const QString& dir)
@@ -106,8 +118,8 @@ QList<cAutosaveEntry> cAutosaveStore::recoverable() const
     QList<cAutosaveEntry> found;
     for (const cAutosaveEntry& entry : entries()) {
         const QFileInfo project(entry.projectFile);
-        if (entry.projectFile.isEmpty() || !project.exists() || project.lastModified() < entry.time
-            || projectIdIn(entry.projectFile) != entry.projectId)
+        if (entry.projectFile.isEmpty() || !project.exists() || projectIdIn(entry.projectFile) != entry.projectId
+            || (project.lastModified() < entry.time && !repeatsItsFile(entry)))
             found << entry;
     }
     return found;

@@ -40,7 +40,8 @@ public:
     // Every autosave, newest first.
     QList<cAutosaveEntry> entries() const;
     // Those holding work that is not in their project file: the file is
-    // missing, older than the autosave, or now holds another project.
+    // missing, now holds another project, or is older than the autosave and
+    // differs from it.
     QList<cAutosaveEntry> recoverable() const;
 
 private:

@@ -124,9 +124,6 @@ void tst_ProjectFile::openFailures_data()
     QTest::newRow("empty file") << QByteArray() << opened << "No project table in Lua-state... nil" << false;
     QTest::newRow("project is a number") << QByteArray("project = 5") << opened
                                          << "No project table in Lua-state... number" << false;
-    QTest::newRow("latin-1 bytes") << QByteArray("project = { id = '\xe9\xe8' }") << createdOpened
-                                   << "Project ID is NULL" << true;
-    QTest::newRow("binary") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << opened << QString() << false;
     QTest::newRow("null id") << QByteArray("project = { version = 1, routes = {} }") << createdOpened
                              << "Project ID is NULL" << true;
     QTest::newRow("no routes") << QByteArray("project = { id = '" + validId + "', version = 1 }") << createdOpened
