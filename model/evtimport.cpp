@@ -16,15 +16,19 @@ namespace {
 // match and is cut off before searching: on a damaged file the patterns
 // would otherwise rescan the rest of the text from every opening tag that is
 // never closed, which takes hours on a megabyte. Patterns without a wildcard
-// need no tail.
+// need no tail. The event list pattern has two wildcards: an `opening` must
+// be followed by `inner` before the last tail, or no list starts there or
+// later, and the search stops instead of rescanning from every opening.
 struct cPattern
 {
     const char* regExp;
     const char* tail;
     const char* tailPattern;
+    const char* opening = nullptr;
+    const char* inner = nullptr;
 };
 
-const cPattern kEventList{R"re((<eventlist.*>.*</eventlist>))re", "</eventlist>", nullptr};
+const cPattern kEventList{R"re((<eventlist.*>.*</eventlist>))re", "</eventlist>", nullptr, "<eventlist", ">"};
 const cPattern kRouteName{R"re(^\s*<eventlist.*>\s*<name>(.*)</name>)re", "</name>", nullptr};
 const cPattern kEvent{R"re((<event>.*</event>))re", "</event>", nullptr};
 const cPattern kStopName{R"re(<name>(.*)</name>)re", "</name>", nullptr};
@@ -68,6 +72,16 @@ QString searchable(const cPattern& pattern, const QString& text)
     return start < 0 ? QString() : text.left(start + length);
 }
 
+bool anotherMatchCanStart(const cPattern& pattern, const QString& searched, int pos)
+{
+    if (!pattern.opening)
+        return true;
+    const QLatin1String opening(pattern.opening);
+    const int open = searched.indexOf(opening, pos);
+    const int inner = open < 0 ? -1 : searched.indexOf(QLatin1String(pattern.inner), open + opening.size());
+    return inner >= 0 && inner < searched.size() - int(qstrlen(pattern.tail));
+}
+
 // None of the patterns can match empty text, so stepping past each match ends.
 QStringList allCaptures(const cPattern& pattern, const QString& text)
 {
@@ -75,7 +89,7 @@ QStringList allCaptures(const cPattern& pattern, const QString& text)
     QRegExp& rx = compiled(pattern.regExp, Matching::Minimal);
     QStringList captures;
     int pos = 0;
-    while ((pos = rx.indexIn(searched, pos)) != -1) {
+    while (anotherMatchCanStart(pattern, searched, pos) && (pos = rx.indexIn(searched, pos)) != -1) {
         captures << rx.cap(1);
         pos += rx.matchedLength();
     }
