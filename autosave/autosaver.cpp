@@ -26,9 +26,9 @@ void cAutosaver::projectChanged()
     if (m_timer.isActive())
         return;
     // The first change after a quiet spell is kept at once, later ones
-    // together once the interval is over.
-    const qint64 waited = m_sinceWrite.isValid() ? m_sinceWrite.elapsed() : m_intervalMs;
-    m_timer.start(int(qMax<qint64>(0, m_intervalMs - waited)));
+    // together once the spacing is over.
+    const qint64 waited = m_sinceWrite.isValid() ? m_sinceWrite.elapsed() : m_spacingMs;
+    m_timer.start(int(qMax<qint64>(0, m_spacingMs - waited)));
 }
 
 void cAutosaver::setProjectFile(const QString& path)
@@ -50,7 +50,11 @@ void cAutosaver::write()
     if (!m_writtenId.isNull() && m_writtenId != project.id)
         m_store.remove(m_writtenId);
     m_sinceWrite.start();
-    if (!m_store.write(project, m_projectFile)) {
+    const bool written = m_store.write(project, m_projectFile);
+    // A project of 100,000 stops takes seconds to write; the editor must
+    // not spend more than a tenth of its time on that.
+    m_spacingMs = qMax<qint64>(m_intervalMs, 10 * m_sinceWrite.elapsed());
+    if (!written) {
         qWarning().noquote() << "Could not write the autosave" << m_store.pathFor(project.id);
         return;
     }

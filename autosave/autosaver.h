@@ -25,7 +25,7 @@ public:
 
     explicit cAutosaver(cProjectManager* manager, QObject* parent = nullptr);
 
-    void setInterval(int ms) { m_intervalMs = ms; }
+    void setInterval(int ms) { m_intervalMs = m_spacingMs = ms; }
     cAutosaveStore& store() { return m_store; }
     // The autosave that belongs to the project on show.
     QString currentPath() const;
@@ -57,6 +57,8 @@ private:
     QTimer m_timer;
     QElapsedTimer m_sinceWrite;
     int m_intervalMs = defaultIntervalMs;
+    // The interval, or longer for a project that takes long to write.
+    qint64 m_spacingMs = defaultIntervalMs;
     // Changes not yet in the autosave, and changes not in the project file.
     bool m_pending = false;
     bool m_unsaved = false;
