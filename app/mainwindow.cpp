@@ -17,6 +17,8 @@
 #include <QSettings>
 #include <QTabWidget>
 
+#include <algorithm>
+
 namespace {
 
 const int versionMajor = 1;
