@@ -1,6 +1,8 @@
 #include "mainwindow.h"
 
+#include "autosaver.h"
 #include "projectmanager.h"
+#include "recoverydialog.h"
 #include "routeeditor.h"
 #include "routeselector.h"
 #include "stopeditor.h"
@@ -11,9 +13,12 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QSettings>
 #include <QTabWidget>
+
+#include <algorithm>
 
 namespace {
 
@@ -60,6 +65,9 @@ cMainWindow::cMainWindow(QWidget* parent)
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
 
+    autosaver = new cAutosaver(projectManager, this);
+    connectAutosave();
+    buildMenus();
     restoreWindowSettings();
 
     const QString fullVersion = QStringLiteral("%1.%2.%3.%4")
@@ -75,6 +83,66 @@ cMainWindow::cMainWindow(QWidget* parent)
 cMainWindow::~cMainWindow()
 {
     saveWindowSettings();
+}
+
+// One place for the menus, so that further commands join the same bar.
+void cMainWindow::buildMenus()
+{
+    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
+    fileMenu->setObjectName(QStringLiteral("fileMenu"));
+    QAction* recover = fileMenu->addAction(tr("Recover unsaved work…"));
+    recover->setObjectName(QStringLiteral("recoverAction"));
+    connect(recover, &QAction::triggered, this, &cMainWindow::recoverUnsavedWork);
+}
+
+// Every edit reaches the autosave, also those that leave the modified mark
+// alone (stops added, moved or deleted, alternate branch names) and the
+// imports and failed opens that clear it.
+void cMainWindow::connectAutosave()
+{
+    connect(routeSelector, &cRouteSelector::routeChanged, autosaver, &cAutosaver::projectChanged);
+    connect(routeSelector, &cRouteSelector::routeAdded, autosaver, &cAutosaver::projectChanged);
+    connect(routeSelector, &cRouteSelector::routeDeleted, autosaver, &cAutosaver::projectChanged);
+    connect(routeEditor, &cRouteEditor::routeChanged, autosaver, &cAutosaver::projectChanged);
+    connect(stopEditor, &cStopEditor::stopChanged, autosaver, &cAutosaver::projectChanged);
+    connect(stopEditor, &cStopEditor::branchChanged, autosaver, &cAutosaver::projectChanged);
+    connect(projectManager, &cProjectManager::projectOpened, autosaver, &cAutosaver::projectChanged);
+    connect(routeSelector, &cRouteSelector::fileNameChanged, autosaver, &cAutosaver::setProjectFile);
+}
+
+void cMainWindow::offerRecovery()
+{
+    const QList<cAutosaveEntry> entries = autosaver->store().recoverable();
+    if (!entries.isEmpty())
+        showRecovery(entries);
+}
+
+void cMainWindow::recoverUnsavedWork()
+{
+    QList<cAutosaveEntry> entries = autosaver->store().recoverable();
+    // The project on show is no work to recover.
+    const QString current = autosaver->currentPath();
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [&current](const cAutosaveEntry& entry) { return entry.path == current; }),
+                  entries.end());
+    if (entries.isEmpty()) {
+        QMessageBox::information(this, tr("Recover unsaved work"), tr("There is no unsaved work to recover."));
+        return;
+    }
+    showRecovery(entries);
+}
+
+void cMainWindow::showRecovery(const QList<cAutosaveEntry>& entries)
+{
+    cRecoveryDialog dialog(&autosaver->store(), entries, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const cAutosaveEntry chosen = dialog.chosen();
+    if (!routeSelector->openRecovered(chosen.path, chosen.projectFile))
+        return;
+    // Recovered work is not in its project file until the user saves it.
+    changesDetectedSlot();
+    autosaver->projectChanged();
 }
 
 void cMainWindow::restoreWindowSettings()
@@ -107,6 +175,7 @@ void cMainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    autosaver->finish(modified);
     event->accept();
 }
 

@@ -8,14 +8,16 @@
 #include <QUuid>
 
 class QTabWidget;
+class cAutosaver;
+struct cAutosaveEntry;
 class cProjectManager;
 class cRouteEditor;
 class cRouteSelector;
 class cStopEditor;
 
 // The one main window: route selector dock on the left, editor tabs in the
-// centre, the unsaved-changes mark in the title, and its state kept between
-// runs.
+// centre, the unsaved-changes mark in the title, the autosave of the open
+// project and its recovery, and its state kept between runs.
 class cMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -23,6 +25,12 @@ class cMainWindow : public QMainWindow
 public:
     explicit cMainWindow(QWidget* parent = nullptr);
     ~cMainWindow() override;
+
+public slots:
+    // At start: shows the unsaved work left by earlier runs, if there is any.
+    void offerRecovery();
+    // From the menu: the same list, or a word that there is nothing.
+    void recoverUnsavedWork();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -34,6 +42,9 @@ private slots:
     void projectFileNameChanged(const QString& fn);
 
 private:
+    void buildMenus();
+    void connectAutosave();
+    void showRecovery(const QList<cAutosaveEntry>& entries);
     void restoreWindowSettings();
     void saveWindowSettings();
 
@@ -42,6 +53,7 @@ private:
     cProjectManager* projectManager = nullptr;
     cRouteEditor* routeEditor = nullptr;
     cStopEditor* stopEditor = nullptr;
+    cAutosaver* autosaver = nullptr;
     bool modified = false;
     QString title;
     logger::cLogger logger;

@@ -13,8 +13,8 @@ namespace {
 
 // Values go between the quotes unescaped and the templates are filled by
 // successive single QString::arg() calls, so a value holding a %-digit
-// sequence is itself substituted by later arguments. Device scripts in use
-// depend on this exact text; keep it.
+// sequence is itself substituted by later arguments. The file formats are
+// defined by this exact text; keep it.
 
 QString coordinate(double degrees, bool deviceForm)
 {
@@ -155,7 +155,7 @@ void readZone(lua_State* L, cStop* stop, bool deviceForm)
         lua_pop(L, 1);
     } else {
         stop->course_enabled = false;
-        // Older files were read with this wording for a missing course too.
+        // The missing course is reported in the centre's words on purpose.
         qDebug("center not found");
     }
 }
@@ -214,17 +214,16 @@ bool readBranchField(lua_State* L, const char* key, cBranch* branch, bool device
 
 } // namespace
 
+QString deviceFileName(const QString& path)
+{
+    const int separator = qMax(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    static const QRegExp extension(QStringLiteral("\\.[a-zA-Z0-9]+$"));
+    return path.mid(separator + 1).replace(extension, QStringLiteral(".wav"));
+}
+
 QString devicePath(const QString& path)
 {
-    if (path.isEmpty())
-        return path;
-    static const QRegExp extension(QStringLiteral("\\.[a-zA-Z0-9]+$"));
-    QString name = path;
-    name.replace(extension, QStringLiteral(".wav"));
-    // Projects made on Windows may hold either separator.
-    const int separator = qMax(name.lastIndexOf(QLatin1Char('/')), name.lastIndexOf(QLatin1Char('\\')));
-    name = name.mid(separator + 1);
-    return QStringLiteral("/sdmmc/voskdev/%1").arg(name);
+    return path.isEmpty() ? path : QStringLiteral("/sdmmc/voskdev/%1").arg(deviceFileName(path));
 }
 
 QString writeRoute(const cRoute& route, bool deviceForm)

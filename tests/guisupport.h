@@ -2,6 +2,7 @@
 #define VOSK_GUISUPPORT_H
 
 #include <QEvent>
+#include <QObject>
 #include <QPoint>
 #include <QString>
 #include <QTemporaryDir>
@@ -11,6 +12,16 @@
 class QWidget;
 
 namespace guisupport {
+
+// The descendant named `name`; without it the test has nothing to check.
+template <typename T = QWidget>
+T* child(QObject* parent, const char* name)
+{
+    T* found = parent->findChild<T*>(QLatin1String(name));
+    if (!found)
+        qFatal("no %s", name);
+    return found;
+}
 
 // Runs `answer` on the next modal dialog once it is shown, from inside its
 // event loop, so a test can drive code that blocks on a dialog.

@@ -55,7 +55,6 @@ class tst_Translations : public QObject
 private slots:
     void everyTextIsTranslated();
     void catalogueMatchesTheSources();
-    void qtTranslationIsBundled();
 };
 
 void tst_Translations::everyTextIsTranslated()
@@ -99,13 +98,6 @@ void tst_Translations::catalogueMatchesTheSources()
     }
     QVERIFY2(onlyInCode.isEmpty(), qPrintable(onlyInCode.join(QStringLiteral("\n"))));
     QCOMPARE(actual.size(), expected.size());
-}
-
-void tst_Translations::qtTranslationIsBundled()
-{
-    QTranslator translator;
-    QVERIFY(translator.load(QStringLiteral(":/tr/qt_ru.qm")));
-    QCOMPARE(translator.translate("QPlatformTheme", "Cancel"), QStringLiteral("Отмена"));
 }
 
 QTEST_GUILESS_MAIN(tst_Translations)

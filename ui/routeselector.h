@@ -31,6 +31,9 @@ public:
     // as Open does once a file is chosen. The editor holds one project, so
     // more than one name fails the way an unreadable file does.
     void openProjectFiles(const QStringList& paths);
+    // Opens an autosave in place of the project. The work belongs to
+    // `projectFile` (empty for a project never saved), which Save writes.
+    bool openRecovered(const QString& autosave, const QString& projectFile);
 
 signals:
     void routeChanged(const QUuid& id);
@@ -66,6 +69,7 @@ private:
     void importRoute(ImportKind kind);
     void openProjectFile(const QString& path);
     void setError(bool error, const QString& message = QString());
+    void showFailedFiles();
     QString askProjectFile(bool forSaving);
     QListWidgetItem* itemFor(const QUuid& id) const;
     static QListWidgetItem* makeItem(const QString& name, const QUuid& id);
@@ -80,6 +84,9 @@ private:
     cSaveDialog* saveDialog;
     QStringList soundFiles;
     QStringList failedFiles;
+    // Scripts or sounds that reached the disk only in part; they are listed
+    // even when every sound could be decoded.
+    bool writesFailed = false;
     QString fileName;
     cConvertProgress* progress;
     // The window disabled while sounds convert; it is enabled again even if

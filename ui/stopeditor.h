@@ -35,6 +35,9 @@ public:
 
 signals:
     void stopChanged(const QUuid& id);
+    // Stops of the shown route were added, deleted or moved, or a branch's
+    // alternate names edited; none of these is a stop's change.
+    void branchChanged(const QUuid& routeId);
 
 public slots:
     void clear(bool clearRoute);

@@ -180,6 +180,22 @@
         <source>Your project has unsaved changes. Exit?</source>
         <translation>В проекте есть несохранённые изменения. Выйти?</translation>
     </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Файл</translation>
+    </message>
+    <message>
+        <source>Recover unsaved work…</source>
+        <translation>Восстановить несохранённую работу…</translation>
+    </message>
+    <message>
+        <source>Recover unsaved work</source>
+        <translation>Восстановление несохранённой работы</translation>
+    </message>
+    <message>
+        <source>There is no unsaved work to recover.</source>
+        <translation>Несохранённой работы для восстановления нет.</translation>
+    </message>
 </context>
 <context>
     <name>cMapViewer</name>
@@ -367,14 +383,6 @@ Longitude %3, latitude %4</source>
 <context>
     <name>cPlayer</name>
     <message>
-        <source>Error in setting sound device (param)</source>
-        <translation>Ошибка выбора звукового устройства (параметр)</translation>
-    </message>
-    <message>
-        <source>Error in setting sound device (convert)</source>
-        <translation>Ошибка выбора звукового устройства (номер)</translation>
-    </message>
-    <message>
         <source>BASS is using device:</source>
         <translation>BASS использует устройство:</translation>
     </message>
@@ -404,6 +412,53 @@ Longitude %3, latitude %4</source>
     <message>
         <source>. Last</source>
         <translation>. Конечная</translation>
+    </message>
+</context>
+<context>
+    <name>cRecoveryDialog</name>
+    <message>
+        <source>Recover unsaved work</source>
+        <translation>Восстановление несохранённой работы</translation>
+    </message>
+    <message>
+        <source>These projects have changes that were never saved. Open one to go on with it, then save it to keep it.</source>
+        <translation>В этих проектах есть изменения, которые не были сохранены. Откройте проект, чтобы продолжить работу с ним, и сохраните его, чтобы не потерять изменения.</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Время</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Файл</translation>
+    </message>
+    <message>
+        <source>Routes</source>
+        <translation>Маршруты</translation>
+    </message>
+    <message>
+        <source>Stops</source>
+        <translation>Остановки</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Открыть</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>(never saved)</source>
+        <translation>(не сохранялся)</translation>
+    </message>
+    <message>
+        <source>Discard this unsaved work? It cannot be recovered afterwards.</source>
+        <translation>Удалить эту несохранённую работу? Восстановить её потом будет нельзя.</translation>
     </message>
 </context>
 <context>
