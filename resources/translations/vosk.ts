@@ -152,6 +152,187 @@
     </message>
 </context>
 <context>
+    <name>cGtfsImportDialog</name>
+    <message>
+        <source>Import from GTFS</source>
+        <translation>Импорт из GTFS</translation>
+    </message>
+    <message>
+        <source>Feed:</source>
+        <translation>Фид:</translation>
+    </message>
+    <message>
+        <source>A zip file or an unpacked folder with routes.txt, trips.txt, stops.txt and stop_times.txt</source>
+        <translation>Zip-файл или распакованная папка с routes.txt, trips.txt, stops.txt и stop_times.txt</translation>
+    </message>
+    <message>
+        <source>Zip file…</source>
+        <translation>Zip-файл…</translation>
+    </message>
+    <message>
+        <source>Folder…</source>
+        <translation>Папка…</translation>
+    </message>
+    <message>
+        <source>Filter by number or name</source>
+        <translation>Фильтр по номеру или названию</translation>
+    </message>
+    <message>
+        <source>Short name</source>
+        <translation>Краткое название</translation>
+    </message>
+    <message>
+        <source>Long name</source>
+        <translation>Полное название</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Тип</translation>
+    </message>
+    <message>
+        <source>Trips</source>
+        <translation>Рейсы</translation>
+    </message>
+    <message>
+        <source>Show stops</source>
+        <translation>Показать остановки</translation>
+    </message>
+    <message>
+        <source>Read the stops of the selected routes from the feed</source>
+        <translation>Прочитать из фида остановки выбранных маршрутов</translation>
+    </message>
+    <message>
+        <source>Direct branch</source>
+        <translation>Прямое направление</translation>
+    </message>
+    <message>
+        <source>Reverse branch</source>
+        <translation>Обратное направление</translation>
+    </message>
+    <message>
+        <source>Set courses along the route, deviation:</source>
+        <translation>Задать курсы вдоль маршрута, отклонение:</translation>
+    </message>
+    <message>
+        <source>Each stop gets a course window in the direction of travel: along the path of shapes.txt where the feed has one, else towards the next stop</source>
+        <translation>Каждой остановке задаётся курс по направлению движения: вдоль пути из shapes.txt, если он есть в фиде, иначе к следующей остановке</translation>
+    </message>
+    <message>
+        <source> deg</source>
+        <translation> °</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Импорт</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Tram</source>
+        <translation>Трамвай</translation>
+    </message>
+    <message>
+        <source>Metro</source>
+        <translation>Метро</translation>
+    </message>
+    <message>
+        <source>Rail</source>
+        <translation>Поезд</translation>
+    </message>
+    <message>
+        <source>Bus</source>
+        <translation>Автобус</translation>
+    </message>
+    <message>
+        <source>Ferry</source>
+        <translation>Паром</translation>
+    </message>
+    <message>
+        <source>Cable tram</source>
+        <translation>Канатный трамвай</translation>
+    </message>
+    <message>
+        <source>Aerial lift</source>
+        <translation>Канатная дорога</translation>
+    </message>
+    <message>
+        <source>Funicular</source>
+        <translation>Фуникулёр</translation>
+    </message>
+    <message>
+        <source>Trolleybus</source>
+        <translation>Троллейбус</translation>
+    </message>
+    <message>
+        <source>Monorail</source>
+        <translation>Монорельс</translation>
+    </message>
+    <message>
+        <source>Coach</source>
+        <translation>Междугородний автобус</translation>
+    </message>
+    <message>
+        <source>GTFS feed</source>
+        <translation>Фид GTFS</translation>
+    </message>
+    <message>
+        <source>GTFS feeds (*.zip);;All files (*.*)</source>
+        <translation>Фиды GTFS (*.zip);;Все файлы (*.*)</translation>
+    </message>
+    <message>
+        <source>GTFS feed folder</source>
+        <translation>Папка фида GTFS</translation>
+    </message>
+    <message>
+        <source>Reading the routes and trips of the feed…</source>
+        <translation>Чтение маршрутов и рейсов фида…</translation>
+    </message>
+    <message>
+        <source>Reading the stops and stop times of the selected routes…</source>
+        <translation>Чтение остановок и расписания выбранных маршрутов…</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Failed to read the GTFS feed:
+%1</source>
+        <translation>Не удалось прочитать фид GTFS:
+%1</translation>
+    </message>
+    <message>
+        <source>Selected routes: %1</source>
+        <translation>Выбрано маршрутов: %1</translation>
+    </message>
+    <message>
+        <source>Choose a feed: a zip file or a folder.</source>
+        <translation>Выберите фид: zip-файл или папку.</translation>
+    </message>
+    <message>
+        <source>Select the routes to import.</source>
+        <translation>Выберите маршруты для импорта.</translation>
+    </message>
+    <message>
+        <source>Press Show stops to see its stops.</source>
+        <translation>Нажмите «Показать остановки», чтобы увидеть его остановки.</translation>
+    </message>
+    <message>
+        <source>(empty branch)</source>
+        <translation>(пустое направление)</translation>
+    </message>
+    <message>
+        <source>Trips: %1 · stops: %2 · %3 – %4</source>
+        <translation>Рейсов: %1 · остановок: %2 · %3 – %4</translation>
+    </message>
+    <message>
+        <source>Direction %1 · trips: %2 · stops: %3 · %4 – %5</source>
+        <translation>Направление %1 · рейсов: %2 · остановок: %3 · %4 – %5</translation>
+    </message>
+</context>
+<context>
     <name>cGtfsRouteBuilder</name>
     <message>
         <source>The stops of route %1 have not been read from the feed.</source>
@@ -195,6 +376,10 @@
     <message>
         <source>There is no unsaved work to recover.</source>
         <translation>Несохранённой работы для восстановления нет.</translation>
+    </message>
+    <message>
+        <source>Import from GTFS…</source>
+        <translation>Импорт из GTFS…</translation>
     </message>
 </context>
 <context>
@@ -389,6 +574,17 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Sound is already playing</source>
         <translation>Звук уже воспроизводится</translation>
+    </message>
+</context>
+<context>
+    <name>cProgressTask</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Cancelling…</source>
+        <translation>Отмена чтения…</translation>
     </message>
 </context>
 <context>
@@ -674,6 +870,10 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Failed to save route, file wasn&apos;t opened.</source>
         <translation>Не удалось сохранить маршрут: файл не открылся.</translation>
+    </message>
+    <message>
+        <source>Import from GTFS…</source>
+        <translation>Импорт из GTFS…</translation>
     </message>
 </context>
 <context>
