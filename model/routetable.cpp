@@ -3,7 +3,8 @@
 #include "luafields.h"
 
 #include <QDebug>
-#include <QRegExp>
+
+#include <algorithm>
 
 #include <lua.hpp>
 
@@ -214,17 +215,33 @@ bool readBranchField(lua_State* L, const char* key, cBranch* branch, bool device
 
 } // namespace
 
+QString deviceFileName(const QString& path)
+{
+    // The last extension of letters and digits becomes ".wav"; a name
+    // without one keeps its name. Checks run this for every sound of a
+    // city's project, so it is done by hand rather than by a pattern.
+    int end = path.size();
+    const int dot = path.lastIndexOf(QLatin1Char('.'));
+    if (dot >= 0 && dot + 1 < path.size()) {
+        const auto isAsciiAlnum = [](QChar c) {
+            return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+                || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
+        };
+        if (std::all_of(path.begin() + dot + 1, path.end(), isAsciiAlnum))
+            end = dot;
+    }
+    // Projects made on Windows may hold either separator.
+    const int separator =
+        qMax(path.lastIndexOf(QLatin1Char('/'), end - 1), path.lastIndexOf(QLatin1Char('\\'), end - 1));
+    const QString name = path.mid(separator + 1, end - separator - 1);
+    return end == path.size() ? name : name + QStringLiteral(".wav");
+}
+
 QString devicePath(const QString& path)
 {
     if (path.isEmpty())
         return path;
-    static const QRegExp extension(QStringLiteral("\\.[a-zA-Z0-9]+$"));
-    QString name = path;
-    name.replace(extension, QStringLiteral(".wav"));
-    // Projects made on Windows may hold either separator.
-    const int separator = qMax(name.lastIndexOf(QLatin1Char('/')), name.lastIndexOf(QLatin1Char('\\')));
-    name = name.mid(separator + 1);
-    return QStringLiteral("/sdmmc/voskdev/%1").arg(name);
+    return QStringLiteral("/sdmmc/voskdev/") + deviceFileName(path);
 }
 
 QString writeRoute(const cRoute& route, bool deviceForm)

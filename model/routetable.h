@@ -11,6 +11,9 @@ struct lua_State;
 // sound paths as stored, plain degrees) or device form (no stop ids, device
 // sound paths, coordinates in 1/3600000 degree).
 
+// The name a sound file gets on the device's card: its file name with the
+// extension replaced by ".wav".
+QString deviceFileName(const QString& path);
 // "/sdmmc/voskdev/<name>.wav" for a local sound path; empty stays empty.
 QString devicePath(const QString& path);
 
