@@ -54,11 +54,17 @@ bool cProjectManager::saveProject(const QString& path)
     return true;
 }
 
-bool cProjectManager::openProject(const QString& path)
+bool cProjectManager::openProject(const QString& path, QString* error)
 {
+    const auto fail = [error](const QString& text) {
+        if (error)
+            *error = text;
+    };
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        fail(file.errorString());
         return false;
+    }
     const QString text = QTextStream(&file).readAll();
     file.close();
 
@@ -73,9 +79,14 @@ bool cProjectManager::openProject(const QString& path)
                 emit projectCreated();
                 result = readProject(m_project, L, false);
             } else {
-                qDebug().noquote() << "No project table in Lua-state..." << luaL_typename(L, -1);
+                const QString message = QStringLiteral("No project table in Lua-state... %1")
+                                            .arg(QLatin1String(luaL_typename(L, -1)));
+                qDebug().noquote() << message;
+                fail(message);
             }
             lua_pop(L, 1);
+        } else {
+            fail(lua.errorText());
         }
     }
     emit projectOpened();
