@@ -1,18 +1,24 @@
 #include "mainwindow.h"
 
+#include "converter.h"
+#include "problemsdock.h"
 #include "projectmanager.h"
+#include "routecheck.h"
 #include "routeeditor.h"
 #include "routeselector.h"
 #include "stopeditor.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
 #include <QMessageBox>
 #include <QSettings>
 #include <QTabWidget>
+#include <QStyle>
+#include <QToolBar>
 
 namespace {
 
@@ -63,6 +69,7 @@ cMainWindow::cMainWindow(QWidget* parent)
     tabWidget->addTab(stopEditor, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
+    createCheckCommands();
 
     restoreWindowSettings();
 
@@ -79,6 +86,24 @@ cMainWindow::cMainWindow(QWidget* parent)
 cMainWindow::~cMainWindow()
 {
     saveWindowSettings();
+}
+
+void cMainWindow::createCheckCommands()
+{
+    problemsDock = new cProblemsDock(this);
+    addDockWidget(Qt::BottomDockWidgetArea, problemsDock);
+    problemsDock->hide();
+    connect(problemsDock, &cProblemsDock::problemActivated, this, &cMainWindow::showProblem);
+
+    checkAction = new QAction(style()->standardIcon(QStyle::SP_DialogApplyButton), tr("Check project"), this);
+    checkAction->setObjectName(QStringLiteral("checkProjectAction"));
+    checkAction->setShortcut(Qt::Key_F7);
+    checkAction->setToolTip(tr("Look for what would make the device announce wrongly (F7)"));
+    connect(checkAction, &QAction::triggered, this, &cMainWindow::checkProject);
+    QToolBar* toolBar = addToolBar(tr("Check"));
+    toolBar->setObjectName(QStringLiteral("checkToolBar"));
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolBar->addAction(checkAction);
 }
 
 void cMainWindow::restoreWindowSettings()
@@ -112,6 +137,42 @@ void cMainWindow::closeEvent(QCloseEvent* event)
         return;
     }
     event->accept();
+}
+
+void cMainWindow::checkProject()
+{
+    cCheckOptions options;
+    options.converter = cConverter::program();
+    options.outputDir = routeSelector->exportFolder();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const QList<cProblem> problems = cRouteCheck::run(projectManager->project()->routes, options);
+    QApplication::restoreOverrideCursor();
+    qDebug() << "Project checked:" << problems.size() << "problems," << errorCount(problems) << "errors";
+    showProblems(problems);
+}
+
+void cMainWindow::showProblems(const QList<cProblem>& problems)
+{
+    problemsDock->setProblems(problems);
+    if (problemsDock->isHidden()) {
+        problemsDock->show();
+        // A third of the window, enough for a few rows; the user may drag it.
+        resizeDocks({problemsDock}, {height() / 3}, Qt::Vertical);
+    }
+    problemsDock->raise();
+}
+
+void cMainWindow::showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId)
+{
+    if (routeId.isNull())
+        return;
+    routeSelector->selectRoute(routeId);
+    if (branch == Branch::None) {
+        tabWidget->setCurrentWidget(routeEditor);
+        return;
+    }
+    tabWidget->setCurrentWidget(stopEditor);
+    stopEditor->selectStop(branch == Branch::Reverse, stopId);
 }
 
 void cMainWindow::routeSelected(const QUuid& id)

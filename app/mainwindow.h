@@ -2,12 +2,15 @@
 #define VOSK_MAINWINDOW_H
 
 #include "logger.h"
+#include "problem.h"
 
 #include <QMainWindow>
 #include <QString>
 #include <QUuid>
 
+class QAction;
 class QTabWidget;
+class cProblemsDock;
 class cProjectManager;
 class cRouteEditor;
 class cRouteSelector;
@@ -32,8 +35,12 @@ private slots:
     void changesDetectedSlot();
     void noChangesDetectedSlot();
     void projectFileNameChanged(const QString& fn);
+    void checkProject();
+    void showProblems(const QList<cProblem>& problems);
+    void showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId);
 
 private:
+    void createCheckCommands();
     void restoreWindowSettings();
     void saveWindowSettings();
 
@@ -42,6 +49,8 @@ private:
     cProjectManager* projectManager = nullptr;
     cRouteEditor* routeEditor = nullptr;
     cStopEditor* stopEditor = nullptr;
+    cProblemsDock* problemsDock = nullptr;
+    QAction* checkAction = nullptr;
     bool modified = false;
     QString title;
     logger::cLogger logger;

@@ -125,6 +125,15 @@ QString cTextRules::unsafeReason(const QString& text)
     return QString();
 }
 
+QString cTextRules::unsafeWarning(const QString& text)
+{
+    const QString reason = unsafeReason(text);
+    return reason.isEmpty() ? reason
+                            : tr("This text holds %1: the device script and the project file would read it back "
+                                 "differently.")
+                                  .arg(reason);
+}
+
 QString cTextRules::badTextReason(const QString& text, bool edgesCount)
 {
     if (text.isEmpty())

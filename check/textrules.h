@@ -61,6 +61,8 @@ public:
     // file reads it back differently, or not at all; empty when it is safe.
     // The writers put values between quotes unescaped on purpose.
     static QString unsafeReason(const QString& text);
+    // The same, said to whoever types the text; empty when it is safe.
+    static QString unsafeWarning(const QString& text);
     // What the passenger display would show wrongly; empty when nothing.
     // Edges do not count for texts that are prefixes of others.
     static QString badTextReason(const QString& text, bool edgesCount);

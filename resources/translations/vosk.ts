@@ -267,6 +267,18 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>Your project has unsaved changes. Exit?</source>
         <translation>В проекте есть несохранённые изменения. Выйти?</translation>
     </message>
+    <message>
+        <source>Check project</source>
+        <translation>Проверить проект</translation>
+    </message>
+    <message>
+        <source>Look for what would make the device announce wrongly (F7)</source>
+        <translation>Найти то, из-за чего устройство объявит остановки неверно (F7)</translation>
+    </message>
+    <message>
+        <source>Check</source>
+        <translation>Проверка</translation>
+    </message>
 </context>
 <context>
     <name>cMapViewer</name>
@@ -413,6 +425,37 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>stop %1 &quot;%2&quot;</source>
         <translation>остановка %1 «%2»</translation>
+    </message>
+</context>
+<context>
+    <name>cProblemsDock</name>
+    <message>
+        <source>Problems</source>
+        <translation>Проблемы</translation>
+    </message>
+    <message>
+        <source>Route</source>
+        <translation>Маршрут</translation>
+    </message>
+    <message>
+        <source>Branch</source>
+        <translation>Направление</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Остановка</translation>
+    </message>
+    <message>
+        <source>Problem</source>
+        <translation>Проблема</translation>
+    </message>
+    <message>
+        <source>No problems found</source>
+        <translation>Проблем не найдено</translation>
+    </message>
+    <message>
+        <source>Errors: %1, warnings: %2</source>
+        <translation>Ошибок: %1, предупреждений: %2</translation>
     </message>
 </context>
 <context>
@@ -651,6 +694,22 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>Failed to save route, file wasn&apos;t opened.</source>
         <translation>Не удалось сохранить маршрут: файл не открылся.</translation>
+    </message>
+    <message>
+        <source>... and %1 more.</source>
+        <translation>... и ещё %1.</translation>
+    </message>
+    <message>
+        <source>These texts would not read back as they are:
+
+%1
+
+Save anyway?</source>
+        <translation>Эти тексты не прочитаются обратно такими, как есть:
+
+%1
+
+Всё равно сохранить?</translation>
     </message>
 </context>
 <context>
@@ -1007,6 +1066,10 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>The %1 &quot;%2&quot; holds %3: the device script and the project file would read it back differently.</source>
         <translation>В поле «%1» («%2») есть %3: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
+    </message>
+    <message>
+        <source>This text holds %1: the device script and the project file would read it back differently.</source>
+        <translation>В тексте есть %1: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
     </message>
 </context>
 <context>
