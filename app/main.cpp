@@ -15,8 +15,12 @@ int main(int argc, char* argv[])
     auto* window = new cMainWindow(nullptr);
     window->show();
     // From inside the event loop, so the window is up before a long read or
-    // an error message.
-    QTimer::singleShot(0, window, [window] { openProjectFromArguments(*window, QCoreApplication::arguments()); });
+    // a question. The project named on the command line opens first; unsaved
+    // work of earlier runs is offered after it, since opening it is a choice.
+    QTimer::singleShot(0, window, [window] {
+        openProjectFromArguments(*window, QCoreApplication::arguments());
+        window->offerRecovery();
+    });
     const int result = app.exec();
 
     delete window;

@@ -1,12 +1,15 @@
 #include "mainwindow.h"
 
+#include "autosaver.h"
 #include "converter.h"
 #include "problemsdock.h"
 #include "projectmanager.h"
+#include "recoverydialog.h"
 #include "routecheck.h"
 #include "routeeditor.h"
 #include "routeselector.h"
 #include "stopeditor.h"
+#include "version.h"
 
 #include <QAction>
 #include <QApplication>
@@ -14,18 +17,16 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QSettings>
 #include <QTabWidget>
 #include <QStyle>
 #include <QToolBar>
 
-namespace {
+#include <algorithm>
 
-const int versionMajor = 1;
-const int versionMinor = 21;
-const int versionBuild = 0;
-const int versionRevision = 1;
+namespace {
 
 const char* const settingsGroup = "MainWindow";
 
@@ -37,7 +38,7 @@ cMainWindow::cMainWindow(QWidget* parent)
     , logger(this, QString(), true)
 {
     setWindowTitle(QCoreApplication::applicationName());
-    title = QStringLiteral("[*] %1 %2.%3").arg(windowTitle()).arg(versionMajor).arg(versionMinor);
+    title = QStringLiteral("[*] %1 %2.%3").arg(windowTitle()).arg(version::major).arg(version::minor);
     setWindowTitle(title);
 
     projectManager = new cProjectManager(this);
@@ -71,14 +72,17 @@ cMainWindow::cMainWindow(QWidget* parent)
     setCentralWidget(tabWidget);
     createCheckCommands();
 
+    autosaver = new cAutosaver(projectManager, this);
+    connectAutosave();
+    buildMenus();
     restoreWindowSettings();
 
-    const QString version = QStringLiteral("%1.%2.%3.%4")
-                                .arg(versionMajor)
-                                .arg(versionMinor)
-                                .arg(versionBuild)
-                                .arg(versionRevision);
-    qDebug() << windowTitle() << "application started, version:" << version << ", build date:" << __DATE__
+    const QString fullVersion = QStringLiteral("%1.%2.%3.%4")
+                                    .arg(version::major)
+                                    .arg(version::minor)
+                                    .arg(version::build)
+                                    .arg(version::revision);
+    qDebug() << windowTitle() << "application started, version:" << fullVersion << ", build date:" << __DATE__
              << __TIME__;
     qDebug() << "Current date:" << QDateTime::currentDateTime();
 }
@@ -104,6 +108,69 @@ void cMainWindow::createCheckCommands()
     toolBar->setObjectName(QStringLiteral("checkToolBar"));
     toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     toolBar->addAction(checkAction);
+}
+
+// One place for the menus, so that further commands join the same bar.
+void cMainWindow::buildMenus()
+{
+    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
+    fileMenu->setObjectName(QStringLiteral("fileMenu"));
+    QAction* recover = fileMenu->addAction(tr("Recover unsaved work…"));
+    recover->setObjectName(QStringLiteral("recoverAction"));
+    connect(recover, &QAction::triggered, this, &cMainWindow::recoverUnsavedWork);
+    QMenu* toolsMenu = menuBar()->addMenu(tr("&Tools"));
+    toolsMenu->setObjectName(QStringLiteral("toolsMenu"));
+    toolsMenu->addAction(checkAction);
+}
+
+// Every edit reaches the autosave, also those that leave the modified mark
+// alone (stops added, moved or deleted, alternate branch names) and the
+// imports and failed opens that clear it.
+void cMainWindow::connectAutosave()
+{
+    connect(routeSelector, &cRouteSelector::routeChanged, autosaver, &cAutosaver::projectChanged);
+    connect(routeSelector, &cRouteSelector::routeAdded, autosaver, &cAutosaver::projectChanged);
+    connect(routeSelector, &cRouteSelector::routeDeleted, autosaver, &cAutosaver::projectChanged);
+    connect(routeEditor, &cRouteEditor::routeChanged, autosaver, &cAutosaver::projectChanged);
+    connect(stopEditor, &cStopEditor::stopChanged, autosaver, &cAutosaver::projectChanged);
+    connect(stopEditor, &cStopEditor::branchChanged, autosaver, &cAutosaver::projectChanged);
+    connect(projectManager, &cProjectManager::projectOpened, autosaver, &cAutosaver::projectChanged);
+    connect(routeSelector, &cRouteSelector::fileNameChanged, autosaver, &cAutosaver::setProjectFile);
+}
+
+void cMainWindow::offerRecovery()
+{
+    const QList<cAutosaveEntry> entries = autosaver->store().recoverable();
+    if (!entries.isEmpty())
+        showRecovery(entries);
+}
+
+void cMainWindow::recoverUnsavedWork()
+{
+    QList<cAutosaveEntry> entries = autosaver->store().recoverable();
+    // The project on show is no work to recover.
+    const QString current = autosaver->currentPath();
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [&current](const cAutosaveEntry& entry) { return entry.path == current; }),
+                  entries.end());
+    if (entries.isEmpty()) {
+        QMessageBox::information(this, tr("Recover unsaved work"), tr("There is no unsaved work to recover."));
+        return;
+    }
+    showRecovery(entries);
+}
+
+void cMainWindow::showRecovery(const QList<cAutosaveEntry>& entries)
+{
+    cRecoveryDialog dialog(&autosaver->store(), entries, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const cAutosaveEntry chosen = dialog.chosen();
+    if (!routeSelector->openRecovered(chosen.path, chosen.projectFile))
+        return;
+    // Recovered work is not in its project file until the user saves it.
+    changesDetectedSlot();
+    autosaver->projectChanged();
 }
 
 void cMainWindow::restoreWindowSettings()
@@ -136,6 +203,7 @@ void cMainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    autosaver->finish(modified);
     event->accept();
 }
 

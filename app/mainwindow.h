@@ -10,6 +10,8 @@
 
 class QAction;
 class QTabWidget;
+class cAutosaver;
+struct cAutosaveEntry;
 class cProblemsDock;
 class cProjectManager;
 class cRouteEditor;
@@ -17,8 +19,8 @@ class cRouteSelector;
 class cStopEditor;
 
 // The one main window: route selector dock on the left, editor tabs in the
-// centre, the unsaved-changes mark in the title, and its state kept between
-// runs.
+// centre, the unsaved-changes mark in the title, the autosave of the open
+// project and its recovery, and its state kept between runs.
 class cMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -26,6 +28,12 @@ class cMainWindow : public QMainWindow
 public:
     explicit cMainWindow(QWidget* parent = nullptr);
     ~cMainWindow() override;
+
+public slots:
+    // At start: shows the unsaved work left by earlier runs, if there is any.
+    void offerRecovery();
+    // From the menu: the same list, or a word that there is nothing.
+    void recoverUnsavedWork();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -40,6 +48,9 @@ private slots:
     void showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId);
 
 private:
+    void buildMenus();
+    void connectAutosave();
+    void showRecovery(const QList<cAutosaveEntry>& entries);
     void createCheckCommands();
     void restoreWindowSettings();
     void saveWindowSettings();
@@ -49,6 +60,7 @@ private:
     cProjectManager* projectManager = nullptr;
     cRouteEditor* routeEditor = nullptr;
     cStopEditor* stopEditor = nullptr;
+    cAutosaver* autosaver = nullptr;
     cProblemsDock* problemsDock = nullptr;
     QAction* checkAction = nullptr;
     bool modified = false;

@@ -3,6 +3,7 @@
 #include "mainwindow.h"
 #include "player.h"
 #include "routeselector.h"
+#include "version.h"
 
 #include <QApplication>
 #include <QFile>
@@ -13,7 +14,7 @@
 void setApplicationNames()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Norvalis"));
-    QCoreApplication::setApplicationName(QStringLiteral("Voskantor"));
+    QCoreApplication::setApplicationName(QLatin1String(version::programName));
     // Lets the desktop match the window to its launcher entry and icon.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.norvalis.voskantor"));
 }

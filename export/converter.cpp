@@ -1,12 +1,13 @@
 #include "converter.h"
 
+#include "routetable.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMutexLocker>
 #include <QProcess>
-#include <QRegExp>
 #include <QtEndian>
 
 namespace {
@@ -144,25 +145,25 @@ void cConverter::run()
     }
 }
 
-// The output name; ok is false for an unknown naming rule, which leaves no
-// output at all.
+// The output name; ok is false for an unknown naming rule, which gives ffmpeg
+// no output at all, though the header rewrite still looks at the path.
 QString cConverter::outputPath(const QString& fn, bool* ok)
 {
-    QString path;
+    QDir dir;
     {
         QMutexLocker lock(&outputDirMutex);
-        path = QDir(outputDir).absoluteFilePath(QFileInfo(fn).fileName());
+        dir.setPath(outputDir);
     }
     QMutexLocker lock(&fileNameTypeMutex);
     *ok = true;
     switch (fileNameType) {
     case 0:
-        return path.replace(QRegExp(QStringLiteral("\\.[a-zA-Z0-9]+$")), QStringLiteral(".wav"));
+        return dir.absoluteFilePath(deviceFileName(fn));
     case 1:
-        return path + QStringLiteral(".wav");
+        return dir.absoluteFilePath(QFileInfo(fn).fileName() + QStringLiteral(".wav"));
     default:
         *ok = false;
-        return QString();
+        return dir.absoluteFilePath(QFileInfo(fn).fileName());
     }
 }
 
@@ -213,19 +214,21 @@ bool cConverter::convertFile(const QString& fn)
     // Rewritten whatever ffmpeg said: with "-n" an existing output is kept
     // and still gets the device's header.
     QFile in(output);
-    if (output.isEmpty() || !in.open(QIODevice::ReadOnly)) {
+    if (!in.open(QIODevice::ReadOnly)) {
         qCritical().noquote() << "Error reading output file:" << output;
         emit fileProcessed(fn, false);
     } else {
         const QByteArray image = deviceImage(in.readAll());
         in.close();
+        // A full card takes the open but not all of the bytes.
         QFile out(output);
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        const bool written = out.open(QIODevice::WriteOnly | QIODevice::Truncate) && out.write(image) == image.size()
+            && out.flush();
+        out.close();
+        if (!written || out.error() != QFileDevice::NoError) {
             qCritical().noquote() << "Error writing output file:" << output;
             emit fileProcessed(fn, false);
-        } else {
-            out.write(image);
-            out.close();
+            emit writeFailed(output);
         }
     }
     emit fileProcessed(fn, exitCode == 0);

@@ -33,6 +33,9 @@ signals:
     // True when no file was undecodable: the name is kept for the
     // receivers, which read it as success.
     void convertFinished(bool hasErrors);
+    // The converted file `output` could not be written whole: the device
+    // would get a truncated sound. Reported besides fileProcessed(fn, false).
+    void writeFailed(const QString& output);
 
 protected:
     void run() override;

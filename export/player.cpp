@@ -25,13 +25,13 @@ cPlayer::cPlayer(int frequency, QObject* parent)
             continue;
         const QStringList parts = argument.split(QLatin1Char(':'));
         if (parts.size() != 2) {
-            qWarning().noquote() << tr("Error in setting sound device (param)");
+            qWarning("Error in setting sound device (param)");
             continue;
         }
         bool ok = false;
         const int number = parts.at(1).toInt(&ok, 10);
         if (!ok) {
-            qWarning().noquote() << tr("Error in setting sound device (convert)");
+            qWarning("Error in setting sound device (convert)");
             continue;
         }
         device = number;
@@ -60,6 +60,14 @@ void cPlayer::play(const QString& file)
         fileName = file;
     }
     start(QThread::InheritPriority);
+}
+
+void cPlayer::waitFinished()
+{
+    while (isRunning()) {
+        QCoreApplication::processEvents();
+        msleep(100);
+    }
 }
 
 void cPlayer::run()

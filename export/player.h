@@ -20,6 +20,8 @@ public:
     ~cPlayer() override;
 
     void play(const QString& file);
+    // Returns once the playback thread has ended, handling events meanwhile.
+    void waitFinished();
 
 signals:
     // Emitted from the playback thread at the end of every playback, played

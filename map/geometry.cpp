@@ -2,6 +2,8 @@
 
 #include "mapadapter.h"
 
+#include <QFile>
+#include <QGuiApplication>
 #include <QPainter>
 
 namespace qmapcontrol {
@@ -9,6 +11,11 @@ namespace qmapcontrol {
 Geometry::Geometry(const QString& name)
     : m_name(name)
 {
+}
+
+QString Geometry::toolTipAt(const QPoint&, const MapAdapter*) const
+{
+    return QString();
 }
 
 Point::Point(qreal x, qreal y, const QString& name, Alignment alignment)
@@ -26,8 +33,9 @@ QRectF Point::boundingBox() const
 QRect Point::displayRect(const MapAdapter* adapter) const
 {
     const QPoint at = adapter->coordinateToDisplay(m_coordinate);
-    const int w = m_pixmap.width();
-    const int h = m_pixmap.height();
+    const QSize size = (QSizeF(m_pixmap.size()) / m_pixmap.devicePixelRatio()).toSize();
+    const int w = size.width();
+    const int h = size.height();
     switch (m_alignment) {
     case TopLeft: return QRect(at.x(), at.y(), w, h);
     case TopRight: return QRect(at.x() - w, at.y(), w, h);
@@ -68,7 +76,13 @@ QList<Point*> Point::points()
 ImagePoint::ImagePoint(qreal x, qreal y, const QString& fileName, const QString& name, Alignment alignment)
     : Point(x, y, name, alignment)
 {
-    const QPixmap image(fileName);
+    QString chosen = fileName;
+    const int dot = fileName.lastIndexOf(QLatin1Char('.'));
+    const QString sharp = fileName.left(dot) + QStringLiteral("@2x") + fileName.mid(dot);
+    if (qGuiApp && qGuiApp->devicePixelRatio() > 1.0 && dot > 0 && QFile::exists(sharp))
+        chosen = sharp;
+    // Qt reads the density of an "@2x" file from its name.
+    const QPixmap image(chosen);
     if (image.isNull())
         qWarning("Cannot load the image %s", qPrintable(fileName));
     setPixmap(image);

@@ -36,6 +36,8 @@ public:
     virtual void draw(QPainter* painter, const MapAdapter* adapter, const QRect& viewport,
                       const QPoint offset) const = 0;
     virtual QList<Point*> points() = 0;
+    // What to tell about the geometry under display point `point`, or empty.
+    virtual QString toolTipAt(const QPoint& point, const MapAdapter* adapter) const;
 
 private:
     QString m_name;
@@ -77,7 +79,8 @@ private:
     QPixmap m_pixmap;
 };
 
-// A point shown as an image file.
+// A point shown as an image file; on high-density screens its "@2x"
+// variant, where there is one, keeps it crisp.
 class ImagePoint : public Point
 {
     Q_OBJECT

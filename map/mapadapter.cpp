@@ -1,15 +1,18 @@
 #include "mapadapter.h"
 
+#include "geo.h"
+
 #include <QtMath>
 
 namespace qmapcontrol {
 
 const char* const MapAdapter::serverVariable = "VOSK_TILE_SERVER";
 
-MapAdapter::MapAdapter(const QString& server)
+MapAdapter::MapAdapter(const QString& server, bool redirectable)
     : m_server(server)
 {
-    const QString redirect = QString::fromLocal8Bit(qgetenv(serverVariable)).trimmed();
+    const QString redirect =
+        redirectable ? QString::fromLocal8Bit(qgetenv(serverVariable)).trimmed() : QString();
     if (redirect.isEmpty())
         return;
     const QUrl url(redirect, QUrl::StrictMode);
@@ -43,6 +46,16 @@ QPointF MapAdapter::worldCoordinate(const QPointF& pixel, int zoom)
     return QPointF(lon, lat);
 }
 
+double MapAdapter::metresToPixels(double metres, double latitude, int zoom)
+{
+    // The world's width in pixels spans the circumference at the equator;
+    // Mercator stretches a latitude's circle by 1 / cos to the same width.
+    const double worldPixels = double(tileSize) * tilesPerSide(zoom);
+    const double circumference = 2.0 * M_PI * geo::earthRadiusMetres
+        * std::cos(qDegreesToRadians(qBound(-maxLatitude, latitude, maxLatitude)));
+    return metres * worldPixels / circumference;
+}
+
 QPoint MapAdapter::coordinateToDisplay(const QPointF& coordinate) const
 {
     const QPointF p = worldPixel(coordinate, m_zoom);
@@ -57,6 +70,22 @@ QPointF MapAdapter::displayToCoordinate(const QPoint& point) const
 QUrl MapAdapter::tileUrl(int x, int y, int zoom) const
 {
     return QUrl(m_server.toString() + query(x, y, zoom));
+}
+
+QString MapAdapter::tileKey(int x, int y, int zoom) const
+{
+    return tileUrl(x, y, zoom).toString();
+}
+
+QRectF MapAdapter::bounds() const
+{
+    return QRectF(QPointF(-180.0, -maxLatitude), QPointF(180.0, maxLatitude));
+}
+
+void MapAdapter::setAttribution(const QString& text, const QUrl& url)
+{
+    m_attribution = text;
+    m_attributionUrl = url;
 }
 
 } // namespace qmapcontrol

@@ -3,10 +3,13 @@
 
 #include <QPoint>
 #include <QPointF>
+#include <QRectF>
 #include <QString>
 #include <QUrl>
 
 namespace qmapcontrol {
+
+class LocalTileSource;
 
 // One tile service on the Web Mercator grid of 256-pixel tiles. Coordinates
 // are x = longitude, y = latitude in degrees; display points are pixels of
@@ -35,20 +38,42 @@ public:
     static QPointF worldPixel(const QPointF& coordinate, int zoom);
     static QPointF worldCoordinate(const QPointF& pixel, int zoom);
     static int tilesPerSide(int zoom) { return 1 << zoom; }
+    // A ground length at `latitude` in pixels at `zoom`, on the sphere the
+    // stop zones are judged on.
+    static double metresToPixels(double metres, double latitude, int zoom);
 
     // Where tile x, y of `zoom` is fetched from: the service's own server, or
     // the one named by the environment variable below.
-    QUrl tileUrl(int x, int y, int zoom) const;
+    virtual QUrl tileUrl(int x, int y, int zoom) const;
+    // What the tile loader knows the tile by.
+    virtual QString tileKey(int x, int y, int zoom) const;
     QString host() const { return m_server.host(); }
 
-    // "scheme://host[:port][/prefix]": sends the tiles of every service to one
-    // other server (a mirror, an offline installation, a test). Read when an
-    // adapter is created.
+    // The zoom levels the service has tiles for; the map scales the nearest
+    // of them beyond these.
+    virtual int minimumZoom() const { return minZoom; }
+    virtual int maximumZoom() const { return maxZoom; }
+    // The area with tiles: x from west to east, y from south to north.
+    virtual QRectF bounds() const;
+    // Why the service shows nothing at all, or empty.
+    virtual QString error() const { return QString(); }
+    // Tiles read on the spot instead of fetched, or null.
+    virtual LocalTileSource* localSource() const { return nullptr; }
+
+    // The notice the service asks to be shown with its tiles, and where a
+    // click on it leads (may be empty).
+    virtual QString attribution() const { return m_attribution; }
+    virtual QUrl attributionUrl() const { return m_attributionUrl; }
+    void setAttribution(const QString& text, const QUrl& url = QUrl());
+
+    // "scheme://host[:port][/prefix]": sends the tiles of every built-in
+    // service to one other server (a mirror, an offline installation, a
+    // test). Read when an adapter is created.
     static const char* const serverVariable;
 
 protected:
     // `server` is "scheme://host" of the service.
-    explicit MapAdapter(const QString& server);
+    explicit MapAdapter(const QString& server, bool redirectable = true);
     // Path and query of a tile, starting with '/'.
     virtual QString query(int x, int y, int zoom) const = 0;
 
@@ -57,6 +82,8 @@ private:
 
     QUrl m_server;
     int m_zoom = minZoom;
+    QString m_attribution;
+    QUrl m_attributionUrl;
 };
 
 } // namespace qmapcontrol

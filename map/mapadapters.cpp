@@ -5,9 +5,20 @@
 
 namespace qmapcontrol {
 
+namespace {
+
+QString googleNotice()
+{
+    return QStringLiteral("\u00a9 Google");
+}
+
+} // namespace
+
 OSMMapAdapter::OSMMapAdapter()
     : MapAdapter(QStringLiteral("https://tile.openstreetmap.org"))
 {
+    setAttribution(QStringLiteral("\u00a9 OpenStreetMap contributors"),
+                   QUrl(QStringLiteral("https://www.openstreetmap.org/copyright")));
 }
 
 QString OSMMapAdapter::query(int x, int y, int zoom) const
@@ -20,6 +31,7 @@ GoogleMapAdapter::GoogleMapAdapter(int layerType)
     , m_layer(QStringLiteral("msph").at(layerType >= Streets && layerType <= Hybrid ? layerType : Streets))
     , m_language(QLocale().bcp47Name())
 {
+    setAttribution(googleNotice());
 }
 
 QString GoogleMapAdapter::query(int x, int y, int zoom) const
@@ -30,6 +42,7 @@ QString GoogleMapAdapter::query(int x, int y, int zoom) const
 bingApiMapadapter::bingApiMapadapter(const QString& imagerySet, const QString& key)
     : MapAdapter(QStringLiteral("https://ecn.t0.tiles.virtualearth.net"))
 {
+    setAttribution(QStringLiteral("\u00a9 Microsoft"));
     // Road tiles are drawings, the others photographs.
     const bool aerial = imagerySet == QLatin1String("Aerial");
     const bool labelled = imagerySet == QLatin1String("AerialWithLabels");
@@ -58,6 +71,7 @@ googleApiMapadapter::googleApiMapadapter(const QString& host, const QString& api
                                          const QString& mapType)
     : MapAdapter(QStringLiteral("https://") + host)
 {
+    setAttribution(googleNotice());
     QUrlQuery parameters;
     parameters.addQueryItem(QStringLiteral("size"), QStringLiteral("%1x%1").arg(tileSize));
     parameters.addQueryItem(QStringLiteral("maptype"), mapType);
@@ -77,6 +91,34 @@ QString googleApiMapadapter::query(int x, int y, int zoom) const
                .arg(centre.x(), 0, 'f', 7)
                .arg(zoom)
         + m_parameters;
+}
+
+TemplateMapAdapter::TemplateMapAdapter(const QString& urlTemplate, const QStringList& subdomains,
+                                       const QString& apiKey, int maximumZoom)
+    : MapAdapter(QString(), false)
+    , m_template(urlTemplate)
+    , m_subdomains(subdomains)
+    , m_maximumZoom(qBound(minZoom, maximumZoom, maxZoom))
+{
+    m_template.replace(QLatin1String("{key}"), QString::fromLatin1(QUrl::toPercentEncoding(apiKey)));
+}
+
+QUrl TemplateMapAdapter::tileUrl(int x, int y, int zoom) const
+{
+    return QUrl(query(x, y, zoom));
+}
+
+QString TemplateMapAdapter::query(int x, int y, int zoom) const
+{
+    QString url = m_template;
+    url.replace(QLatin1String("{z}"), QString::number(zoom))
+        .replace(QLatin1String("{x}"), QString::number(x))
+        .replace(QLatin1String("{y}"), QString::number(y));
+    if (url.contains(QLatin1String("{q}")))
+        url.replace(QLatin1String("{q}"), bingApiMapadapter::quadKey(x, y, zoom));
+    if (!m_subdomains.isEmpty())
+        url.replace(QLatin1String("{s}"), m_subdomains.at((x + y) % m_subdomains.size()));
+    return url;
 }
 
 } // namespace qmapcontrol

@@ -3,6 +3,8 @@
 
 #include "mapadapter.h"
 
+#include <QStringList>
+
 namespace qmapcontrol {
 
 // OpenStreetMap's standard tiles.
@@ -62,6 +64,28 @@ protected:
 
 private:
     QString m_parameters;
+};
+
+// A tile service of the user's own, given as a URL template: {z}, {x}, {y}
+// or {q} (Bing's quadkey) address the tile, {s} takes one of the
+// sub-domains (always the same for a tile, so caches keep working) and
+// {key} the API key. Its URL is taken as written, never redirected.
+class TemplateMapAdapter : public MapAdapter
+{
+public:
+    TemplateMapAdapter(const QString& urlTemplate, const QStringList& subdomains, const QString& apiKey,
+                       int maximumZoom);
+
+    QUrl tileUrl(int x, int y, int zoom) const override;
+    int maximumZoom() const override { return m_maximumZoom; }
+
+protected:
+    QString query(int x, int y, int zoom) const override;
+
+private:
+    QString m_template;
+    QStringList m_subdomains;
+    int m_maximumZoom;
 };
 
 } // namespace qmapcontrol

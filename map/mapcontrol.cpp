@@ -1,12 +1,16 @@
 #include "mapcontrol.h"
 
+#include "localtilesource.h"
 #include "mapadapter.h"
 #include "maplayer.h"
 #include "tileloader.h"
 
+#include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 #include <QWheelEvent>
 #include <QtMath>
 
@@ -17,10 +21,15 @@ namespace qmapcontrol {
 namespace {
 
 const int wheelNotch = 120;
+// More tiles than this for one layer means the map is zoomed out too far
+// for its source's levels.
+const int maxTilesInView = 400;
+// Kept free around the places the view is fitted to.
+const int fitMargin = 40;
 
-int floorDiv(int value, int divisor)
+QPoint rounded(const QPointF& p)
 {
-    return value >= 0 ? value / divisor : -((-value + divisor - 1) / divisor);
+    return QPoint(int(std::floor(p.x() + 0.5)), int(std::floor(p.y() + 0.5)));
 }
 
 } // namespace
@@ -33,6 +42,7 @@ MapControl::MapControl(QWidget* parent, MouseMode mouseMode)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     connect(m_loader, &TileLoader::tileLoaded, this, QOverload<>::of(&QWidget::update));
+    connect(m_loader, &TileLoader::problemsChanged, this, QOverload<>::of(&QWidget::update));
 }
 
 MapControl::~MapControl() = default;
@@ -42,8 +52,13 @@ void MapControl::addLayer(MapLayer* layer)
     if (!layer || m_layers.contains(layer))
         return;
     m_layers.append(layer);
-    if (layer->mapadapter())
-        layer->mapadapter()->setZoom(m_zoom);
+    if (MapAdapter* adapter = layer->mapadapter()) {
+        adapter->setZoom(m_zoom);
+        if (LocalTileSource* source = adapter->localSource()) {
+            m_loader->addLocalSource(source);
+            connect(source, &LocalTileSource::stateChanged, this, QOverload<>::of(&QWidget::update));
+        }
+    }
     connect(layer, &MapLayer::updateRequest, this, QOverload<>::of(&QWidget::update));
     update();
 }
@@ -85,6 +100,32 @@ void MapControl::setZoom(int zoom)
     moveView(m_centre, zoom);
 }
 
+void MapControl::setViewAndZoomIn(const QList<QPointF>& coordinates)
+{
+    if (coordinates.isEmpty())
+        return;
+    QRectF box(MapAdapter::worldPixel(coordinates.first(), 0), QSizeF(0, 0));
+    for (const QPointF& coordinate : coordinates) {
+        const QPointF p = MapAdapter::worldPixel(coordinate, 0);
+        box.setLeft(qMin(box.left(), p.x()));
+        box.setRight(qMax(box.right(), p.x()));
+        box.setTop(qMin(box.top(), p.y()));
+        box.setBottom(qMax(box.bottom(), p.y()));
+    }
+    const double w = qMax(1, width() - 2 * fitMargin);
+    const double h = qMax(1, height() - 2 * fitMargin);
+    int zoom = MapAdapter::maxZoom;
+    while (zoom > MapAdapter::minZoom
+           && (box.width() * MapAdapter::tilesPerSide(zoom) > w || box.height() * MapAdapter::tilesPerSide(zoom) > h))
+        --zoom;
+    moveView(MapAdapter::worldCoordinate(box.center(), 0), zoom);
+}
+
+void MapControl::scroll(const QPoint& pixels)
+{
+    moveView(MapAdapter::worldCoordinate(QPointF(centrePixel() + pixels), m_zoom), m_zoom);
+}
+
 void MapControl::showScale(bool visible)
 {
     m_scale = visible;
@@ -104,8 +145,7 @@ void MapControl::enablePersistentCache(const QDir& path, int diskSizeMB)
 
 QPoint MapControl::centrePixel() const
 {
-    const QPointF p = MapAdapter::worldPixel(m_centre, m_zoom);
-    return QPoint(int(std::floor(p.x() + 0.5)), int(std::floor(p.y() + 0.5)));
+    return rounded(MapAdapter::worldPixel(m_centre, m_zoom));
 }
 
 QPointF MapControl::coordinateAt(const QPoint& pixel) const
@@ -115,8 +155,7 @@ QPointF MapControl::coordinateAt(const QPoint& pixel) const
 
 QPoint MapControl::pixelAt(const QPointF& coordinate) const
 {
-    const QPointF p = MapAdapter::worldPixel(coordinate, m_zoom);
-    return QPoint(int(std::floor(p.x() + 0.5)), int(std::floor(p.y() + 0.5))) - centrePixel() + screenMiddle();
+    return rounded(MapAdapter::worldPixel(coordinate, m_zoom)) - centrePixel() + screenMiddle();
 }
 
 void MapControl::moveView(const QPointF& coordinate, int zoom)
@@ -147,6 +186,27 @@ void MapControl::zoomAt(const QPoint& pixel, int zoom)
     moveView(MapAdapter::worldCoordinate(centre, zoom), zoom);
 }
 
+bool MapControl::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QPoint point = help->pos() - screenMiddle() + centrePixel();
+    QString text;
+    const QList<MapLayer*> all = layers();
+    for (int i = all.size() - 1; i >= 0 && text.isEmpty(); --i) {
+        if (all.at(i)->isVisible())
+            text = all.at(i)->toolTipAt(point);
+    }
+    if (text.isEmpty() && m_attributionRect.contains(help->pos()))
+        text = m_attribution;
+    if (text.isEmpty())
+        QToolTip::hideText();
+    else
+        QToolTip::showText(help->globalPos(), text, this);
+    return true;
+}
+
 void MapControl::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
@@ -156,70 +216,185 @@ void MapControl::paintEvent(QPaintEvent*)
     const QPoint offset = screenMiddle() - centrePixel();
     const QRect viewport = rect().translated(-offset);
     QStringList wanted;
+    QStringList ring;
+    QList<const MapAdapter*> shown;
+    QList<const MapAdapter*> tooFar;
+    QSet<QString> lacking;
     for (MapLayer* layer : layers()) {
         MapAdapter* adapter = layer->mapadapter();
         if (!layer->isVisible() || !adapter)
             continue;
         adapter->setZoom(m_zoom);
-        drawTiles(painter, *adapter, offset, viewport, &wanted);
+        shown << adapter;
+        if (!drawTiles(painter, *adapter, offset, viewport, &wanted, &ring, &lacking))
+            tooFar << adapter;
         painter.save();
         painter.translate(offset);
         layer->drawGeometries(&painter, viewport, offset);
         painter.restore();
     }
-    m_loader->want(wanted);
-    if (m_scale)
-        drawScale(painter);
+    m_loader->want(wanted + ring);
+    const int scaleRight = m_scale ? drawScale(painter) : 0;
     if (m_crossHairs)
         drawCrossHairs(painter);
+    drawAttribution(painter, shown, scaleRight);
+    m_notices = collectNotices(shown, tooFar, lacking);
+    drawNotices(painter);
 }
 
-void MapControl::drawTiles(QPainter& painter, const MapAdapter& adapter, const QPoint& offset,
-                           const QRect& viewport, QStringList* wanted)
+bool MapControl::drawTiles(QPainter& painter, const MapAdapter& adapter, const QPoint& offset,
+                           const QRect& viewport, QStringList* wanted, QStringList* ring, QSet<QString>* lacking)
 {
-    const int size = MapAdapter::tileSize;
-    const int last = MapAdapter::tilesPerSide(m_zoom) - 1;
-    const int left = qMax(0, floorDiv(viewport.left(), size));
-    const int right = qMin(last, floorDiv(viewport.right(), size));
-    const int top = qMax(0, floorDiv(viewport.top(), size));
-    const int bottom = qMin(last, floorDiv(viewport.bottom(), size));
+    // On dense screens the next level's tiles at half size are as sharp as
+    // the screen; beyond the source's levels the nearest one is scaled.
+    const int crisp = devicePixelRatioF() > 1.0 ? 1 : 0;
+    const int lowest = adapter.minimumZoom();
+    const int zoom = qBound(lowest, m_zoom + crisp, adapter.maximumZoom());
+    const double size = std::ldexp(double(MapAdapter::tileSize), m_zoom - zoom);
+    const int last = MapAdapter::tilesPerSide(zoom) - 1;
+    const int left = int(std::floor(viewport.left() / size));
+    const int right = int(std::floor((viewport.left() + viewport.width() - 1) / size));
+    const int top = int(std::floor(viewport.top() / size));
+    const int bottom = int(std::floor((viewport.top() + viewport.height() - 1) / size));
+    if (double(right - left + 1) * (bottom - top + 1) > maxTilesInView)
+        return false;
 
     struct Tile
     {
         int x;
         int y;
-        int distance;
+        double distance;
     };
     QVector<Tile> tiles;
-    const QPoint centre = viewport.center();
-    for (int y = top; y <= bottom; ++y) {
-        for (int x = left; x <= right; ++x)
-            tiles.append({x, y, (QPoint(x * size + size / 2, y * size + size / 2) - centre).manhattanLength()});
+    const QPointF centre = QRectF(viewport).center();
+    for (int y = qMax(0, top); y <= qMin(last, bottom); ++y) {
+        for (int x = qMax(0, left); x <= qMin(last, right); ++x) {
+            const QPointF middle((x + 0.5) * size, (y + 0.5) * size);
+            tiles.append({x, y, (middle - centre).manhattanLength()});
+        }
     }
     std::sort(tiles.begin(), tiles.end(), [](const Tile& a, const Tile& b) { return a.distance < b.distance; });
+
+    painter.save();
+    const bool stretched = size * devicePixelRatioF() != MapAdapter::tileSize;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, stretched);
     for (const Tile& tile : qAsConst(tiles)) {
-        const QString url = adapter.tileUrl(tile.x, tile.y, m_zoom).toString();
-        wanted->append(url);
-        const QPoint target = QPoint(tile.x * size, tile.y * size) + offset;
-        const QImage image = m_loader->image(url);
+        const QString key = adapter.tileKey(tile.x, tile.y, zoom);
+        wanted->append(key);
+        const QRectF target(offset.x() + tile.x * size, offset.y() + tile.y * size, size, size);
+        const QImage image = m_loader->image(key);
         if (!image.isNull()) {
-            painter.drawImage(target, image);
+            if (size == MapAdapter::tileSize)
+                painter.drawImage(target.topLeft().toPoint(), image);
+            else
+                painter.drawImage(target, image);
             continue;
         }
+        lacking->insert(QUrl(key).authority());
         // Until it comes, the quarter of the tile one level up stands in.
-        const QImage parent =
-            m_zoom > 0 ? m_loader->image(adapter.tileUrl(tile.x / 2, tile.y / 2, m_zoom - 1).toString()) : QImage();
+        const QImage parent = zoom > lowest ? m_loader->image(adapter.tileKey(tile.x / 2, tile.y / 2, zoom - 1))
+                                            : QImage();
+        const int half = MapAdapter::tileSize / 2;
         if (!parent.isNull())
-            painter.drawImage(QRect(target, QSize(size, size)), parent,
-                              QRect(tile.x % 2 * size / 2, tile.y % 2 * size / 2, size / 2, size / 2));
+            painter.drawImage(target, parent, QRectF(tile.x % 2 * half, tile.y % 2 * half, half, half));
     }
+    painter.restore();
+
+    // One ring of tiles around the view, so that a short pan finds them.
+    for (int y = top - 1; y <= bottom + 1; ++y) {
+        for (int x = left - 1; x <= right + 1; ++x) {
+            const bool inside = x >= left && x <= right && y >= top && y <= bottom;
+            if (!inside && x >= 0 && y >= 0 && x <= last && y <= last)
+                ring->append(adapter.tileKey(x, y, zoom));
+        }
+    }
+    return true;
 }
 
-void MapControl::drawScale(QPainter& painter)
+QStringList MapControl::collectNotices(const QList<const MapAdapter*>& adapters,
+                                       const QList<const MapAdapter*>& tooFar, const QSet<QString>& lacking)
+{
+    const QPointF northWest = coordinateAt(QPoint(0, 0));
+    const QPointF southEast = coordinateAt(QPoint(width(), height()));
+    const QRectF view(QPointF(northWest.x(), southEast.y()), QPointF(southEast.x(), northWest.y()));
+    QStringList lines;
+    for (const MapAdapter* adapter : adapters) {
+        const QString error = adapter->error();
+        if (!error.isEmpty())
+            lines << error;
+        else if (tooFar.contains(adapter))
+            lines << tr("Zoom in to see this map");
+        else if (!adapter->bounds().intersects(view))
+            lines << tr("No tiles here: this area lies outside the map");
+    }
+    // A server is named only while tiles on screen are missing for it.
+    for (const QString& host : lacking) {
+        const QString problem = m_loader->problem(host);
+        if (!problem.isEmpty())
+            lines << problem;
+    }
+    lines.removeDuplicates();
+    return lines;
+}
+
+void MapControl::drawNotices(QPainter& painter)
+{
+    m_noticeRect = QRect();
+    if (m_notices.isEmpty())
+        return;
+    const QString text = m_notices.join(QLatin1Char('\n'));
+    const int room = qMax(50, width() - 40);
+    QRect box = painter.fontMetrics().boundingRect(QRect(0, 0, room, height()), Qt::TextWordWrap, text);
+    box.adjust(-10, -6, 10, 6);
+    box.moveTo((width() - box.width()) / 2, 10);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(QColor(214, 158, 0), 1.5));
+    painter.setBrush(QColor(255, 243, 205, 240));
+    painter.drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+    painter.setPen(QColor(70, 50, 0));
+    painter.drawText(box.adjusted(10, 6, -10, -6), Qt::TextWordWrap | Qt::AlignCenter, text);
+    painter.restore();
+    m_noticeRect = box;
+}
+
+void MapControl::drawAttribution(QPainter& painter, const QList<const MapAdapter*>& adapters, int left)
+{
+    QStringList texts;
+    m_attributionUrl = QUrl();
+    for (const MapAdapter* adapter : adapters) {
+        const QString text = adapter->attribution();
+        if (!text.isEmpty() && !texts.contains(text))
+            texts << text;
+        if (m_attributionUrl.isEmpty())
+            m_attributionUrl = adapter->attributionUrl();
+    }
+    m_attribution = texts.join(QStringLiteral(" | "));
+    m_attributionRect = QRect();
+    if (m_attribution.isEmpty())
+        return;
+
+    painter.save();
+    QFont font = painter.font();
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    font.setUnderline(m_attributionUrl.isValid());
+    painter.setFont(font);
+    const QFontMetrics metrics(font);
+    // Never over the scale: a narrow map shortens the text instead.
+    const int room = qMax(0, width() - left - 4 - 12);
+    const QString text = metrics.elidedText(m_attribution, Qt::ElideRight, room);
+    const QSize size(metrics.horizontalAdvance(text) + 12, metrics.height() + 4);
+    m_attributionRect = QRect(QPoint(width() - size.width(), height() - size.height()), size);
+    painter.fillRect(m_attributionRect, QColor(255, 255, 255, 215));
+    painter.setPen(m_attributionUrl.isValid() ? QColor(0, 70, 160) : QColor(40, 40, 40));
+    painter.drawText(m_attributionRect, Qt::AlignCenter, text);
+    painter.restore();
+}
+
+int MapControl::drawScale(QPainter& painter)
 {
     // Ground length of a pixel at the centre's latitude.
-    const double metresPerPixel =
-        156543.03392804097 * std::cos(qDegreesToRadians(m_centre.y())) / MapAdapter::tilesPerSide(m_zoom);
+    const double metresPerPixel = 1.0 / MapAdapter::metresToPixels(1.0, m_centre.y(), m_zoom);
     const double limit = metresPerPixel * 100;
     const double power = std::pow(10.0, std::floor(std::log10(limit)));
     double distance = power;
@@ -234,16 +409,17 @@ void MapControl::drawScale(QPainter& painter)
 
     const int x = 10;
     const int y = height() - 10;
+    const QRect backing(x - 4, y - 26, qMax(length, painter.fontMetrics().horizontalAdvance(text)) + 8, 30);
     painter.save();
     // A light backing keeps the bar readable on dark imagery.
-    painter.fillRect(QRect(x - 4, y - 26, qMax(length, painter.fontMetrics().horizontalAdvance(text)) + 8, 30),
-                     QColor(255, 255, 255, 160));
+    painter.fillRect(backing, QColor(255, 255, 255, 160));
     painter.setPen(QPen(Qt::black, 2));
     painter.drawLine(x, y, x + length, y);
     painter.drawLine(x, y, x, y - 6);
     painter.drawLine(x + length, y, x + length, y - 6);
     painter.drawText(QRect(x, y - 24, length, 18), Qt::AlignHCenter | Qt::AlignBottom, text);
     painter.restore();
+    return backing.right() + 1;
 }
 
 void MapControl::drawCrossHairs(QPainter& painter)
@@ -256,11 +432,48 @@ void MapControl::drawCrossHairs(QPainter& painter)
     painter.restore();
 }
 
+void MapControl::hideEvent(QHideEvent* event)
+{
+    // A map nobody sees fetches nothing.
+    m_loader->want(QStringList());
+    QWidget::hideEvent(event);
+}
+
+void MapControl::keyPressEvent(QKeyEvent* event)
+{
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    if (!m_keyboard || modifiers != Qt::NoModifier) {
+        event->ignore();
+        return;
+    }
+    const int step = qMax(32, qMin(width(), height()) / 4);
+    switch (event->key()) {
+    case Qt::Key_Plus:
+    case Qt::Key_Equal:
+    case Qt::Key_PageUp: zoomIn(); break;
+    case Qt::Key_Minus:
+    case Qt::Key_PageDown: zoomOut(); break;
+    case Qt::Key_Left: scroll(QPoint(-step, 0)); break;
+    case Qt::Key_Right: scroll(QPoint(step, 0)); break;
+    case Qt::Key_Up: scroll(QPoint(0, -step)); break;
+    case Qt::Key_Down: scroll(QPoint(0, step)); break;
+    default: event->ignore(); return;
+    }
+    event->accept();
+}
+
 void MapControl::mousePressEvent(QMouseEvent* event)
 {
+    // The attribution is a link, not a place on the map.
+    if (m_attributionRect.contains(event->pos())) {
+        if (event->button() == Qt::LeftButton && m_attributionUrl.isValid())
+            QDesktopServices::openUrl(m_attributionUrl);
+        return;
+    }
     if (event->button() == Qt::LeftButton) {
         m_pressed = true;
         m_moved = false;
+        m_pressPos = event->pos();
         m_lastPos = event->pos();
     }
     emit mouseEventCoordinate(event, coordinateAt(event->pos()));
@@ -268,17 +481,27 @@ void MapControl::mousePressEvent(QMouseEvent* event)
 
 void MapControl::mouseMoveEvent(QMouseEvent* event)
 {
-    if (m_pressed && (event->buttons() & Qt::LeftButton) && event->pos() != m_lastPos) {
-        m_moved = true;
-        if (m_mouseMode == Panning)
-            moveView(MapAdapter::worldCoordinate(QPointF(centrePixel() + m_lastPos - event->pos()), m_zoom), m_zoom);
-        m_lastPos = event->pos();
+    if (m_pressed && (event->buttons() & Qt::LeftButton)) {
+        // A hand's tremble is still a click.
+        if (!m_moved && (event->pos() - m_pressPos).manhattanLength() >= QApplication::startDragDistance())
+            m_moved = true;
+        if (m_moved && event->pos() != m_lastPos) {
+            if (m_mouseMode == Panning)
+                moveView(MapAdapter::worldCoordinate(QPointF(centrePixel() + m_lastPos - event->pos()), m_zoom),
+                         m_zoom);
+            m_lastPos = event->pos();
+        }
+    } else if (m_attributionUrl.isValid() && m_attributionRect.contains(event->pos())) {
+        setCursor(Qt::PointingHandCursor);
+    } else {
+        unsetCursor();
     }
     emit mouseEventCoordinate(event, coordinateAt(event->pos()));
 }
 
 void MapControl::mouseReleaseEvent(QMouseEvent* event)
 {
+    const bool pressedHere = m_pressed;
     if (event->button() == Qt::LeftButton && m_pressed) {
         m_pressed = false;
         if (!m_moved) {
@@ -287,7 +510,9 @@ void MapControl::mouseReleaseEvent(QMouseEvent* event)
                 layer->clicked(coordinate, event->pos());
         }
     }
-    emit mouseEventCoordinate(event, coordinateAt(event->pos()));
+    // The release of a press on the attribution is no click on the map.
+    if (pressedHere || event->button() != Qt::LeftButton)
+        emit mouseEventCoordinate(event, coordinateAt(event->pos()));
 }
 
 void MapControl::wheelEvent(QWheelEvent* event)
@@ -304,7 +529,8 @@ void MapControl::wheelEvent(QWheelEvent* event)
     if (steps == 0)
         return;
     m_wheelRest -= steps * wheelNotch;
-    zoomAt(event->position().toPoint(), m_zoom + steps);
+    const bool aroundCentre = event->modifiers() & Qt::ControlModifier;
+    zoomAt(aroundCentre ? screenMiddle() : event->position().toPoint(), m_zoom + steps);
 }
 
 } // namespace qmapcontrol

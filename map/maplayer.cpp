@@ -58,6 +58,17 @@ void MapLayer::drawGeometries(QPainter* painter, const QRect& viewport, const QP
         geometry->draw(painter, m_adapter, viewport, offset);
 }
 
+QString MapLayer::toolTipAt(const QPoint& point) const
+{
+    const QList<Geometry*> all = geometries();
+    for (int i = all.size() - 1; i >= 0 && m_adapter; --i) {
+        const QString text = all.at(i)->isVisible() ? all.at(i)->toolTipAt(point, m_adapter) : QString();
+        if (!text.isEmpty())
+            return text;
+    }
+    return QString();
+}
+
 void MapLayer::clicked(const QPointF& coordinate, const QPoint& point)
 {
     if (!m_takeEvents || !m_visible || !m_adapter)

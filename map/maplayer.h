@@ -37,6 +37,8 @@ public:
     QList<Geometry*> geometries() const;
 
     void drawGeometries(QPainter* painter, const QRect& viewport, const QPoint offset) const;
+    // The tool tip of the topmost geometry at display point `point`.
+    QString toolTipAt(const QPoint& point) const;
     // A click at `coordinate` (widget pixel `point`): reports every
     // geometry it touches.
     void clicked(const QPointF& coordinate, const QPoint& point);

@@ -5,11 +5,17 @@
 #include "mapadapters.h"
 #include "mapcontrol.h"
 #include "maplayer.h"
+#include "mbtiles.h"
 #include "networksettingsdialog.h"
+#include "project.h"
+#include "routeoverlay.h"
 
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QDebug>
 #include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMessageBox>
@@ -17,6 +23,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <QtMath>
 
@@ -34,10 +41,37 @@ const QString googleStaticMapsHost = QStringLiteral("maps.googleapis.com");
 
 const int cacheLimitMb = 300;
 const int initialZoom = 17;
+const int builtInSources = 4;
+
+const QColor branchColour(21, 101, 192);
+const QColor otherBranchColour(142, 36, 170);
+const QColor editedColour(230, 81, 0);
 
 int wrapDegrees(int degrees)
 {
     return ((degrees % 360) + 360) % 360;
+}
+
+QVector<RouteStop> routeStops(const cBranch& branch, const QColor& colour)
+{
+    QVector<RouteStop> stops;
+    for (int i = 0; i < branch.stops.size(); ++i) {
+        const cStop& stop = branch.stops.at(i);
+        RouteStop shown;
+        shown.coordinate = QPointF(stop.lon, stop.lat);
+        shown.radius = stop.radius;
+        shown.hasCourse = stop.course_enabled;
+        shown.course = stop.course_value;
+        shown.colour = colour;
+        shown.label = QString::number(i + 1);
+        shown.toolTip = cMapViewer::tr("%1. %2\nLongitude %3, latitude %4")
+                            .arg(i + 1)
+                            .arg(stop.name)
+                            .arg(stop.lon, 0, 'g', 8)
+                            .arg(stop.lat, 0, 'g', 8);
+        stops << shown;
+    }
+    return stops;
 }
 
 } // namespace
@@ -51,15 +85,36 @@ cMapViewer::cMapViewer(QWidget* parent)
     auto* topRow = new QHBoxLayout;
     sourceSelector = new QComboBox(central);
     sourceSelector->setObjectName(QStringLiteral("mapSourceSelector"));
-    sourceSelector->addItems({tr("Google Maps (street)"), tr("Google Maps (satelite)"), tr("Google Maps (hybrid)"),
-                              tr("OpenStreetMap (OSM)")});
-    connect(sourceSelector, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            &cMapViewer::mapSourceChanged, Qt::QueuedConnection);
+    connect(sourceSelector, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &cMapViewer::sourceSelected,
+            Qt::QueuedConnection);
+    // Choosing the offline map again asks for another file.
+    connect(sourceSelector, QOverload<int>::of(&QComboBox::activated), this, [this](int index) {
+        if (index == offlineItem() && index == shownItem)
+            sourceSelected(index);
+    });
+    otherBranchButton = new QToolButton(central);
+    otherBranchButton->setObjectName(QStringLiteral("otherBranchButton"));
+    otherBranchButton->setText(tr("Other branch"));
+    otherBranchButton->setToolTip(tr("Show the route's other branch too"));
+    otherBranchButton->setCheckable(true);
+    connect(otherBranchButton, &QToolButton::toggled, this, [this] {
+        detachGeometries();
+        attachGeometries();
+    });
+    auto* wholeRouteButton = new QToolButton(central);
+    wholeRouteButton->setObjectName(QStringLiteral("wholeRouteButton"));
+    wholeRouteButton->setText(tr("Whole route"));
+    wholeRouteButton->setToolTip(tr("Show whole route (F)"));
+    wholeRouteButton->setShortcut(QKeySequence(Qt::Key_F));
+    connect(wholeRouteButton, &QToolButton::clicked, this, &cMapViewer::showWholeRoute);
     auto* settingsButton = new QToolButton(central);
+    settingsButton->setObjectName(QStringLiteral("settingsButton"));
     settingsButton->setToolTip(tr("Settings"));
     settingsButton->setIcon(QIcon(QStringLiteral(":/icon/settings2.ico")));
     connect(settingsButton, &QToolButton::clicked, this, &cMapViewer::settingsSlot);
     topRow->addWidget(sourceSelector);
+    topRow->addWidget(otherBranchButton);
+    topRow->addWidget(wholeRouteButton);
     topRow->addStretch();
     topRow->addWidget(settingsButton);
     layout->addLayout(topRow);
@@ -81,8 +136,14 @@ cMapViewer::cMapViewer(QWidget* parent)
     layout->addLayout(bottomRow);
     setCentralWidget(central);
 
-    const int index = QSettings().value(QStringLiteral("MapViewer/CurrentMapIndex"), 0).toInt();
-    sourceSelector->setCurrentIndex(index >= 0 && index < sourceSelector->count() ? index : 0);
+    otherBranchOverlay = new RouteOverlay(QStringLiteral("OtherBranch"));
+    otherBranchOverlay->setLineColour(otherBranchColour);
+    otherBranchOverlay->setParent(this);
+    branchOverlay = new RouteOverlay(QStringLiteral("Branch"));
+    branchOverlay->setLineColour(branchColour);
+    branchOverlay->setParent(this);
+    editedZone = new RouteOverlay(QStringLiteral("EditedZone"));
+    editedZone->setParent(this);
 
     createMap();
     applyProxy();
@@ -100,8 +161,26 @@ ImagePoint* cMapViewer::newMarker(const QPointF& coord) const
     return new ImagePoint(coord.x(), coord.y(), QStringLiteral(":/icon/marker.png"), tr("Stop"), Point::BottomMiddle);
 }
 
+void cMapViewer::placeMarker(const QPointF& coord)
+{
+    dropMarker();
+    marker = newMarker(coord);
+    if (activeLayer)
+        activeLayer->addGeometry(marker);
+    updateEditedStop();
+}
+
+void cMapViewer::dropMarker()
+{
+    if (marker && activeLayer)
+        activeLayer->removeGeometry(marker);
+    delete marker;
+    marker = nullptr;
+}
+
 void cMapViewer::createMap()
 {
+    endCourseEdit();
     const bool hadMarker = marker != nullptr;
     const QPointF markerCoord = hadMarker ? marker->coordinate() : QPointF();
     destroyMap();
@@ -123,6 +202,15 @@ void cMapViewer::createMap()
     // Shows Google's static maps under the Bing name on purpose.
     bingHybLayer = new MapLayer(QStringLiteral("BingHyb"), googleApiAdapter, true);
 
+    tileSources = cTileSource::load();
+    for (const cTileSource& source : qAsConst(tileSources)) {
+        const QStringList subdomains = source.subdomains.split(QLatin1Char(','), Qt::SkipEmptyParts);
+        auto* adapter = new TemplateMapAdapter(source.url, subdomains, source.apiKey, source.maxZoom);
+        adapter->setAttribution(source.attribution);
+        extraAdapters << adapter;
+        extraLayers << new MapLayer(source.name, adapter, true);
+    }
+
     mapControl = new MapControl(mapContainer, MapControl::Panning);
 
     QDir cacheDir(QDir::tempPath());
@@ -142,6 +230,8 @@ void cMapViewer::createMap()
     for (MapLayer* layer :
          {osmLayer, googleLayer, googleSatLayer, googleHybLayer, bingLayer, bingSatLayer, bingHybLayer})
         mapControl->addLayer(layer);
+    for (MapLayer* layer : qAsConst(extraLayers))
+        mapControl->addLayer(layer);
 
     QSettings settings;
     settings.beginGroup(QStringLiteral("MapViewer"));
@@ -150,30 +240,32 @@ void cMapViewer::createMap()
     mapControl->setView(lastCoord);
     mapControl->setZoom(currentZoom);
 
+    // Shown directly, so that nothing is taken for the user's choice.
+    fillSelector();
+    showSelectedSource();
     if (hadMarker)
-        showCoordinate(markerCoord, true);
-
-    mapSourceChanged(sourceSelector->currentIndex());
+        showCoordinate(markerCoord, false);
     connect(mapControl, &MapControl::viewChanged, this, &cMapViewer::viewChanged);
     mapControl->setFocus();
 }
 
 void cMapViewer::destroyMap()
 {
-    if (activeLayer) {
-        activeLayer->removeGeometry(anglePointer);
-        activeLayer->removeGeometry(marker);
-    }
+    detachGeometries();
     if (mapControl) {
         mapControl->disconnect();
         for (MapLayer* layer : mapControl->layers())
             mapControl->removeLayer(layer);
     }
     for (MapLayer** layer : {&osmLayer, &googleLayer, &googleSatLayer, &googleHybLayer, &bingLayer, &bingSatLayer,
-                             &bingHybLayer}) {
+                             &bingHybLayer, &offlineLayer}) {
         delete *layer;
         *layer = nullptr;
     }
+    qDeleteAll(extraLayers);
+    extraLayers.clear();
+    qDeleteAll(extraAdapters);
+    extraAdapters.clear();
     delete googleStreetAdapter;
     delete googleSatAdapter;
     delete googleHybAdapter;
@@ -181,10 +273,12 @@ void cMapViewer::destroyMap()
     delete bingRoadAdapter;
     delete bingAerialAdapter;
     delete googleApiAdapter;
+    delete offlineAdapter;
     googleStreetAdapter = googleSatAdapter = googleHybAdapter = nullptr;
     osmAdapter = nullptr;
     bingRoadAdapter = bingAerialAdapter = nullptr;
     googleApiAdapter = nullptr;
+    offlineAdapter = nullptr;
     delete anglePointer;
     anglePointer = nullptr;
     delete marker;
@@ -217,17 +311,142 @@ void cMapViewer::showMapError()
                           QMessageBox::Ok);
 }
 
+void cMapViewer::fillSelector()
+{
+    const QSignalBlocker blocker(sourceSelector);
+    sourceSelector->clear();
+    sourceSelector->addItems({tr("Google Maps (street)"), tr("Google Maps (satelite)"), tr("Google Maps (hybrid)"),
+                              tr("OpenStreetMap (OSM)")});
+    for (const cTileSource& source : qAsConst(tileSources))
+        sourceSelector->addItem(source.name);
+    sourceSelector->addItem(tr("Offline map (MBTiles)…"));
+
+    // Online sources by index, the user's own by name, the offline map by
+    // a flag of its own.
+    QSettings settings;
+    settings.beginGroup(QStringLiteral("MapViewer"));
+    const int index = settings.value(QStringLiteral("CurrentMapIndex"), 0).toInt();
+    int item = index >= 0 && index < builtInSources ? index : 0;
+    const QString extra = settings.value(QStringLiteral("ExtraSource")).toString();
+    for (int i = 0; i < tileSources.size(); ++i) {
+        if (!extra.isEmpty() && tileSources.at(i).name == extra)
+            item = builtInSources + i;
+    }
+    const QString offlineFile = settings.value(QStringLiteral("OfflineMap")).toString();
+    if (settings.value(QStringLiteral("OfflineMapChosen"), false).toBool() && !offlineFile.isEmpty())
+        item = offlineItem();
+    sourceSelector->setItemData(offlineItem(), QDir::toNativeSeparators(offlineFile), Qt::ToolTipRole);
+    sourceSelector->setCurrentIndex(item);
+}
+
+int cMapViewer::offlineItem() const
+{
+    return builtInSources + tileSources.size();
+}
+
+void cMapViewer::showSelectedSource()
+{
+    const int item = sourceSelector->currentIndex();
+    shownItem = item;
+    if (item < builtInSources)
+        mapSourceChanged(item);
+    else if (item < offlineItem())
+        showOnly({extraLayers.at(item - builtInSources)});
+    else
+        showOfflineMap(QSettings().value(QStringLiteral("MapViewer/OfflineMap")).toString());
+}
+
+void cMapViewer::sourceSelected(int index)
+{
+    if (index < 0)
+        return;
+    QSettings settings;
+    settings.beginGroup(QStringLiteral("MapViewer"));
+    if (index == offlineItem()) {
+        const QString previous = settings.value(QStringLiteral("OfflineMap")).toString();
+        const QString file = QFileDialog::getOpenFileName(this, tr("Offline map"), QFileInfo(previous).path(),
+                                                          tr("MBTiles files (*.mbtiles);;All files (*)"));
+        if (file.isEmpty()) {
+            const QSignalBlocker blocker(sourceSelector);
+            sourceSelector->setCurrentIndex(shownItem);
+            return;
+        }
+        settings.setValue(QStringLiteral("OfflineMap"), file);
+        settings.setValue(QStringLiteral("OfflineMapChosen"), true);
+        sourceSelector->setItemData(index, QDir::toNativeSeparators(file), Qt::ToolTipRole);
+    } else {
+        settings.setValue(QStringLiteral("OfflineMapChosen"), false);
+        if (index < builtInSources) {
+            // The last online source chosen keeps its index here.
+            settings.setValue(QStringLiteral("CurrentMapIndex"), index);
+            settings.remove(QStringLiteral("ExtraSource"));
+        } else {
+            settings.setValue(QStringLiteral("ExtraSource"), tileSources.at(index - builtInSources).name);
+        }
+    }
+    settings.sync();
+    showSelectedSource();
+}
+
+void cMapViewer::showOfflineMap(const QString& fileName)
+{
+    if (!mapControl)
+        return;
+    if (!offlineAdapter || offlineAdapter->fileName() != fileName) {
+        if (activeLayer == offlineLayer) {
+            detachGeometries();
+            activeLayer = nullptr;
+        }
+        delete offlineLayer;
+        delete offlineAdapter;
+        offlineAdapter = new MBTilesMapAdapter(fileName);
+        offlineLayer = new MapLayer(QStringLiteral("Offline"), offlineAdapter, true);
+        mapControl->addLayer(offlineLayer);
+    }
+    showOnly({offlineLayer});
+}
+
+void cMapViewer::showOnly(const QList<MapLayer*>& visible)
+{
+    detachGeometries();
+    activeLayer = nullptr;
+    if (!mapControl || visible.isEmpty())
+        return;
+    for (MapLayer* layer : mapControl->layers())
+        layer->setVisible(visible.contains(layer));
+    activeLayer = visible.last();
+    attachGeometries();
+    mapControl->setFocus();
+}
+
+void cMapViewer::attachGeometries()
+{
+    if (!activeLayer)
+        return;
+    if (otherBranchButton->isChecked())
+        activeLayer->addGeometry(otherBranchOverlay);
+    activeLayer->addGeometry(branchOverlay);
+    activeLayer->addGeometry(editedZone);
+    if (anglePointer)
+        activeLayer->addGeometry(anglePointer);
+    else
+        activeLayer->addGeometry(marker);
+}
+
+void cMapViewer::detachGeometries()
+{
+    if (!activeLayer)
+        return;
+    for (Geometry* geometry : std::initializer_list<Geometry*>{otherBranchOverlay, branchOverlay, editedZone,
+                                                                 anglePointer, marker})
+        activeLayer->removeGeometry(geometry);
+}
+
 void cMapViewer::showCoordinate(QPointF coord, bool resetZoom)
 {
-    if (marker) {
-        if (activeLayer)
-            activeLayer->removeGeometry(marker);
-        delete marker;
-    }
-    marker = newMarker(coord);
+    placeMarker(coord);
     if (activeLayer) {
         const int zoom = resetZoom ? initialZoom : currentZoom;
-        activeLayer->addGeometry(marker);
         mapControl->setView(coord);
         mapControl->setZoom(zoom);
         viewChanged(coord, zoom);
@@ -242,6 +461,7 @@ void cMapViewer::setCourse(int value, int diff)
     courseSet = true;
     courseValue = value;
     courseDiff = diff;
+    updateEditedStop();
 }
 
 bool cMapViewer::course(int* value, int* diff) const
@@ -256,6 +476,7 @@ bool cMapViewer::course(int* value, int* diff) const
 void cMapViewer::clearCourse()
 {
     courseSet = false;
+    updateEditedStop();
 }
 
 QPointF cMapViewer::coordinate(bool* ok) const
@@ -265,14 +486,81 @@ QPointF cMapViewer::coordinate(bool* ok) const
     return marker ? marker->coordinate() : lastCoord;
 }
 
-void cMapViewer::mapSourceChanged(int src)
+void cMapViewer::setRoute(const cRoute* route, bool reverse, const QUuid& stopId)
 {
-    if (activeLayer)
-        activeLayer->removeGeometry(marker);
-    activeLayer = nullptr;
+    endCourseEdit();
+    courseSet = false;
+    dropMarker();
+    editedStopId = stopId;
+    editedIndex = -1;
+    zoneRadius = 0;
+    QVector<RouteStop> shown;
+    QVector<RouteStop> other;
+    if (route) {
+        const cBranch& branch = reverse ? route->reverse : route->direct;
+        shown = routeStops(branch, branchColour);
+        other = routeStops(reverse ? route->direct : route->reverse, otherBranchColour);
+        for (int i = 0; i < branch.stops.size() && !stopId.isNull(); ++i) {
+            if (branch.stops.at(i).id != stopId)
+                continue;
+            // Drawn by the marker and its own zone, wherever they go.
+            editedIndex = i;
+            zoneRadius = branch.stops.at(i).radius;
+            shown[i].markerShown = false;
+            shown[i].radius = 0;
+            shown[i].hasCourse = false;
+        }
+    }
+    branchOverlay->setStops(shown);
+    otherBranchOverlay->setStops(other);
+    updateEditedStop();
+}
+
+void cMapViewer::setZoneRadius(int metres)
+{
+    zoneRadius = metres;
+    updateEditedStop();
+}
+
+void cMapViewer::updateEditedStop()
+{
+    QVector<RouteStop> zone;
+    if (marker) {
+        RouteStop edited;
+        edited.coordinate = marker->coordinate();
+        edited.radius = zoneRadius;
+        // The course pointer shows the course while it is edited.
+        edited.hasCourse = courseSet && !anglePointer;
+        edited.course = courseValue;
+        edited.colour = editedColour;
+        edited.highlighted = true;
+        edited.markerShown = false;
+        zone << edited;
+        if (editedIndex >= 0 && editedIndex < branchOverlay->stops().size()) {
+            RouteStop inBranch = branchOverlay->stops().at(editedIndex);
+            inBranch.coordinate = edited.coordinate;
+            branchOverlay->setStop(editedIndex, inBranch);
+        }
+    }
+    editedZone->setStops(zone);
+    if (mapControl)
+        mapControl->update();
+}
+
+void cMapViewer::showWholeRoute()
+{
     if (!mapControl)
         return;
+    QList<QPointF> places;
+    for (const RouteStop& stop : branchOverlay->stops())
+        places << stop.coordinate;
+    if (marker)
+        places << marker->coordinate();
+    mapControl->setViewAndZoomIn(places);
+}
 
+void cMapViewer::mapSourceChanged(int src)
+{
     QList<MapLayer*> visible;
     switch (src) {
     case 0: visible = {googleLayer}; break;
@@ -284,21 +572,9 @@ void cMapViewer::mapSourceChanged(int src)
     case 6: visible = {bingHybLayer}; break;
     default: break;
     }
-    if (!visible.isEmpty()) {
-        for (MapLayer* layer : mapControl->layers())
-            layer->setVisible(visible.contains(layer));
-        activeLayer = visible.last();
-        if (marker)
-            activeLayer->addGeometry(marker);
-    }
-    mapControl->setFocus();
-
-    // Only the user's choice is remembered, not the viewer's own calls.
-    if (sender()) {
-        QSettings settings;
-        settings.setValue(QStringLiteral("MapViewer/CurrentMapIndex"), src);
-        settings.sync();
-    }
+    showOnly(visible);
+    if (mapControl)
+        mapControl->setFocus();
 }
 
 // The stop's last place becomes the map's starting point next time.
@@ -314,6 +590,7 @@ void cMapViewer::rememberMarker()
 
 void cMapViewer::okSlot()
 {
+    endCourseEdit();
     rememberMarker();
     hide();
     emit ok();
@@ -321,9 +598,30 @@ void cMapViewer::okSlot()
 
 void cMapViewer::cancelSlot()
 {
+    endCourseEdit();
     rememberMarker();
     courseSet = false;
     hide();
+}
+
+void cMapViewer::closeEvent(QCloseEvent* event)
+{
+    cancelSlot();
+    event->accept();
+}
+
+void cMapViewer::hideEvent(QHideEvent* event)
+{
+    endCourseEdit();
+    QMainWindow::hideEvent(event);
+}
+
+void cMapViewer::changeEvent(QEvent* event)
+{
+    // Ctrl let go over another window never reaches us.
+    if (event->type() == QEvent::ActivationChange && !isActiveWindow())
+        endCourseEdit();
+    QMainWindow::changeEvent(event);
 }
 
 void cMapViewer::settingsSlot()
@@ -338,6 +636,7 @@ void cMapViewer::settingsSlot()
 
     cNetworkSettingsDialog dialog(this);
     dialog.setSettings(type, host, port, user, password);
+    dialog.setTileSources(tileSources);
     if (dialog.exec() != QDialog::Accepted)
         return;
     dialog.getSettings(&type, &host, &port, &user, &password);
@@ -347,6 +646,7 @@ void cMapViewer::settingsSlot()
     settings.setValue(QStringLiteral("User"), user);
     settings.setValue(QStringLiteral("Pass"), password);
     settings.sync();
+    cTileSource::save(dialog.tileSources());
     createMap();
     applyProxy();
 }
@@ -362,6 +662,9 @@ void cMapViewer::mouseEventCoordinate(const QMouseEvent* e, QPointF coord)
 {
     switch (e->type()) {
     case QEvent::MouseButtonPress:
+        // The other buttons do nothing to the stop.
+        if (e->button() != Qt::LeftButton)
+            break;
         mousePressed = true;
         if (anglePointer && marker && activeLayer) {
             // Bearing from the stop to the click: dx over -dy, y downwards.
@@ -381,7 +684,7 @@ void cMapViewer::mouseEventCoordinate(const QMouseEvent* e, QPointF coord)
     case QEvent::MouseMove: {
         const int x = qRound(e->localPos().x());
         if (!anglePointer) {
-            if (mousePressed)
+            if (mousePressed && mapControl->isDragging())
                 mouseDragged = true;
         } else if (x != lastMouseX) {
             // Faster moves turn faster; moving right turns anticlockwise.
@@ -394,17 +697,17 @@ void cMapViewer::mouseEventCoordinate(const QMouseEvent* e, QPointF coord)
         break;
     }
     case QEvent::MouseButtonRelease:
-        if (!mouseDragged && !anglePointer) {
-            if (marker) {
-                if (activeLayer)
-                    activeLayer->removeGeometry(marker);
-                delete marker;
+        if (e->button() != Qt::LeftButton)
+            break;
+        if (mousePressed && !mouseDragged && !anglePointer && activeLayer) {
+            // Another stop's marker tells about that stop; only the edited stop moves.
+            const QString about = activeLayer->toolTipAt(activeLayer->mapadapter()->coordinateToDisplay(coord));
+            if (!about.isEmpty()) {
+                QToolTip::showText(e->globalPos(), about, mapControl);
+            } else {
+                lastCoord = coord;
+                placeMarker(coord);
             }
-            lastCoord = coord;
-            marker = newMarker(coord);
-            if (activeLayer)
-                activeLayer->addGeometry(marker);
-            mapControl->update();
         }
         mousePressed = false;
         mouseDragged = false;
@@ -438,9 +741,16 @@ void cMapViewer::keyPressEvent(QKeyEvent* event)
             anglePointer->setCourse(courseValue, courseDiff);
             anglePointer->setCoordinate(marker->coordinate());
             activeLayer->addGeometry(anglePointer);
+            // The course has the mouse, the wheel and the arrow keys now.
             mapControl->setMouseMode(MapControl::None);
             mapControl->enableMouseWheelEvents(false);
+            mapControl->enableKeyboardNavigation(false);
+            updateEditedStop();
         }
+        return;
+    }
+    if (event->key() == Qt::Key_Escape) {
+        cancelSlot();
         return;
     }
     if (!anglePointer) {
@@ -477,6 +787,12 @@ void cMapViewer::keyReleaseEvent(QKeyEvent* event)
         return;
     }
     qDebug("Released!");
+    endCourseEdit();
+}
+
+// Ends course editing as letting go of Ctrl does, however it ends.
+void cMapViewer::endCourseEdit()
+{
     if (!anglePointer)
         return;
     courseSet = anglePointer->course(&courseValue, &courseDiff);
@@ -488,6 +804,8 @@ void cMapViewer::keyReleaseEvent(QKeyEvent* event)
         activeLayer->addGeometry(marker);
     mapControl->setMouseMode(MapControl::Panning);
     mapControl->enableMouseWheelEvents(true);
+    mapControl->enableKeyboardNavigation(true);
+    updateEditedStop();
 }
 
 void cMapViewer::viewChanged(QPointF coordinate, int zoom)

@@ -3,7 +3,14 @@
 #include "ui_networksettingsdialog.h"
 
 #include <QButtonGroup>
+#include <QMessageBox>
 #include <QNetworkProxyFactory>
+
+namespace {
+
+enum SourceColumn { NameColumn, UrlColumn, SubdomainsColumn, KeyColumn, MaxZoomColumn, AttributionColumn };
+
+} // namespace
 
 cNetworkSettingsDialog::cNetworkSettingsDialog(QWidget* parent)
     : QDialog(parent)
@@ -18,6 +25,19 @@ cNetworkSettingsDialog::cNetworkSettingsDialog(QWidget* parent)
     }
     connect(ui->okBtn, &QPushButton::clicked, this, &QDialog::accept);
     connect(ui->cancelBtn, &QPushButton::clicked, this, &QDialog::reject);
+
+    ui->tileSourcesTable->setColumnWidth(UrlColumn, 260);
+    connect(ui->addSourceBtn, &QPushButton::clicked, this, [this] {
+        addSourceRow(cTileSource());
+        ui->tileSourcesTable->setCurrentCell(ui->tileSourcesTable->rowCount() - 1, NameColumn);
+        ui->tileSourcesTable->editItem(ui->tileSourcesTable->currentItem());
+    });
+    connect(ui->removeSourceBtn, &QPushButton::clicked, this,
+            [this] { ui->tileSourcesTable->removeRow(ui->tileSourcesTable->currentRow()); });
+    connect(ui->tileSourcesTable, &QTableWidget::itemSelectionChanged, this, [this] {
+        ui->removeSourceBtn->setEnabled(!ui->tileSourcesTable->selectedItems().isEmpty());
+    });
+    ui->removeSourceBtn->setEnabled(false);
 }
 
 cNetworkSettingsDialog::~cNetworkSettingsDialog() = default;
@@ -61,6 +81,69 @@ void cNetworkSettingsDialog::getSettings(int* type, QString* host, int* port, QS
         *user = ui->userEdit->text();
     if (password)
         *password = ui->passEdit->text();
+}
+
+void cNetworkSettingsDialog::setTileSources(const QList<cTileSource>& sources)
+{
+    ui->tileSourcesTable->setRowCount(0);
+    for (const cTileSource& source : sources)
+        addSourceRow(source);
+}
+
+void cNetworkSettingsDialog::addSourceRow(const cTileSource& source)
+{
+    QTableWidget* table = ui->tileSourcesTable;
+    const int row = table->rowCount();
+    table->insertRow(row);
+    const QStringList cells = {source.name,   source.url, source.subdomains, source.apiKey,
+                               QString::number(source.maxZoom), source.attribution};
+    for (int column = 0; column < cells.size(); ++column)
+        table->setItem(row, column, new QTableWidgetItem(cells.at(column)));
+}
+
+QList<cTileSource> cNetworkSettingsDialog::tileSources() const
+{
+    QList<cTileSource> sources;
+    const QTableWidget* table = ui->tileSourcesTable;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const auto cell = [table, row](int column) {
+            const QTableWidgetItem* item = table->item(row, column);
+            return item ? item->text().trimmed() : QString();
+        };
+        cTileSource source;
+        source.name = cell(NameColumn);
+        source.url = cell(UrlColumn);
+        source.subdomains = cell(SubdomainsColumn);
+        source.apiKey = cell(KeyColumn);
+        bool isNumber = false;
+        source.maxZoom = cell(MaxZoomColumn).toInt(&isNumber);
+        if (!isNumber)
+            source.maxZoom = -1;
+        source.attribution = cell(AttributionColumn);
+        sources << source;
+    }
+    return sources;
+}
+
+void cNetworkSettingsDialog::accept()
+{
+    const QList<cTileSource> sources = tileSources();
+    QStringList names;
+    for (int i = 0; i < sources.size(); ++i) {
+        QString problem = sources.at(i).problem();
+        // Sources are remembered by name, so a name may be used once only.
+        if (problem.isEmpty() && names.contains(sources.at(i).name))
+            problem = tr("its name is used twice");
+        names << sources.at(i).name;
+        if (!problem.isEmpty()) {
+            const QString text = tr("Tile source %1 cannot be used: %2.").arg(i + 1).arg(problem);
+            qDebug().noquote() << text;
+            QMessageBox::critical(this, tr("Error"), text, QMessageBox::Ok);
+            ui->tileSourcesTable->selectRow(i);
+            return;
+        }
+    }
+    QDialog::accept();
 }
 
 void cNetworkSettingsDialog::proxyTypeSelected()

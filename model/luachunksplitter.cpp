@@ -55,9 +55,10 @@ bool cLuaChunkSplitter::run(const char* chunk, size_t length)
         const size_t close = findClose(open);
         if (close == npos || !pushConstructor(Span{open, close + 1}, 0))
             return false;
-        const size_t limit = m_lua.suspendMemoryLimit();
-        lua_setglobal(m_state, name.constData());
-        m_lua.restoreMemoryLimit(limit);
+        {
+            const cLuaState::cUnbounded unbounded(m_lua);
+            lua_setglobal(m_state, name.constData());
+        }
         pos = skipBlank(close + 1);
         if (pos < m_length && m_text[pos] == ';')
             pos = skipBlank(pos + 1);
@@ -72,8 +73,11 @@ bool cLuaChunkSplitter::pushConstructor(Span constructor, int depth)
     QVector<Field> fields;
     if (!splitFields(constructor, &fields))
         return false;
-    lua_checkstack(m_state, LUA_MINSTACK);
-    lua_newtable(m_state);
+    {
+        const cLuaState::cUnbounded unbounded(m_lua);
+        lua_checkstack(m_state, LUA_MINSTACK);
+        lua_newtable(m_state);
+    }
     int nextIndex = 1;
     int first = 0;
     while (first < fields.size()) {
@@ -133,6 +137,7 @@ bool cLuaChunkSplitter::splitLargeField(const Field& field, Span constructor, in
     const int target = lua_gettop(m_state);
     if (field.kind == KeyKind::Name) {
         const QByteArray name = text(field.key);
+        const cLuaState::cUnbounded unbounded(m_lua);
         lua_pushlstring(m_state, name.constData(), static_cast<size_t>(name.size()));
     } else if (field.kind == KeyKind::Expression) {
         if (!evaluate("return " + text(field.key) + "\n"))
@@ -146,12 +151,11 @@ bool cLuaChunkSplitter::splitLargeField(const Field& field, Span constructor, in
         lua_settop(m_state, target);
         return false;
     }
-    const size_t limit = m_lua.suspendMemoryLimit();
+    const cLuaState::cUnbounded unbounded(m_lua);
     if (field.kind == KeyKind::Positional)
         lua_rawseti(m_state, target, (*nextIndex)++);
     else
         lua_rawset(m_state, target);
-    m_lua.restoreMemoryLimit(limit);
     return true;
 }
 
@@ -164,7 +168,7 @@ void cLuaChunkSplitter::mergeBatch(int positionalCount, int* nextIndex)
 {
     // Moving values between tables may grow them; that must not fail outside
     // a protected call, and it only rearranges what the limit already allowed.
-    const size_t limit = m_lua.suspendMemoryLimit();
+    const cLuaState::cUnbounded unbounded(m_lua);
     const int batch = lua_gettop(m_state);
     const int target = batch - 1;
     for (int i = 1; i <= positionalCount; ++i) {
@@ -185,7 +189,6 @@ void cLuaChunkSplitter::mergeBatch(int positionalCount, int* nextIndex)
         lua_rawset(m_state, target);
     }
     lua_pop(m_state, 1);
-    m_lua.restoreMemoryLimit(limit);
 }
 
 bool cLuaChunkSplitter::splitFields(Span constructor, QVector<Field>* fields) const

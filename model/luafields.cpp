@@ -90,12 +90,6 @@ void readInt(lua_State* L, const char* key, int* out, const char* missing)
         qDebug("%s", missing);
 }
 
-void readNumber(lua_State* L, const char* key, double* out, const char* missing)
-{
-    if (!getNumber(L, key, out))
-        qDebug("%s", missing);
-}
-
 QUuid getId(lua_State* L, bool createMissing, IdPresence* presence)
 {
     lua_getfield(L, -1, "id");

@@ -22,7 +22,6 @@ bool getNumber(lua_State* L, const char* key, double* out);
 void readText(lua_State* L, const char* key, QString* out, const char* missing);
 void readBool(lua_State* L, const char* key, bool* out, const char* missing);
 void readInt(lua_State* L, const char* key, int* out, const char* missing);
-void readNumber(lua_State* L, const char* key, double* out, const char* missing);
 
 enum class IdPresence { Missing, Present };
 

@@ -2,6 +2,10 @@
 
 #include "luachunksplitter.h"
 
+#include <QDebug>
+#include <QFile>
+#include <QTextStream>
+
 #include <cstdlib>
 #include <lua.hpp>
 
@@ -40,30 +44,38 @@ void* cLuaState::allocate(void* ud, void* ptr, size_t oldSize, size_t newSize)
         budget->used -= oldSize;
         return nullptr;
     }
-    if (budget->limit != 0 && newSize > oldSize && budget->used - oldSize + newSize > budget->limit)
+    if (budget->limit != 0 && newSize > oldSize && budget->used - oldSize + newSize > budget->limit) {
+        budget->memoryExceeded = true;
         return nullptr;
-    void* block = std::realloc(ptr, newSize);
-    if (block) {
-        budget->used = budget->used - oldSize + newSize;
-        budget->peak = qMax(budget->peak, budget->used);
     }
+    void* block = std::realloc(ptr, newSize);
+    if (block)
+        budget->used = budget->used - oldSize + newSize;
     return block;
 }
 
-void cLuaState::checkTime(lua_State* L, lua_Debug*)
+void cLuaState::countInstructions(lua_State* L, lua_Debug*)
 {
     void* ud = nullptr;
     lua_getallocf(L, &ud);
-    const Budget* budget = static_cast<Budget*>(ud);
-    if (budget->executedMs + budget->clock.elapsed() > runTimeLimitMs)
-        luaL_error(L, "run time limit exceeded");
+    auto* budget = static_cast<Budget*>(ud);
+    budget->instructions += hookInstructionCount;
+    if (budget->instructions > instructionLimit) {
+        budget->instructionsExceeded = true;
+        luaL_error(L, "instruction limit exceeded");
+    }
 }
 
-size_t cLuaState::suspendMemoryLimit()
+cLuaState::cUnbounded::cUnbounded(cLuaState& lua)
+    : m_lua(lua)
+    , m_limit(lua.m_budget.limit)
 {
-    const size_t limit = m_budget.limit;
-    m_budget.limit = 0;
-    return limit;
+    m_lua.m_budget.limit = 0;
+}
+
+cLuaState::cUnbounded::~cUnbounded()
+{
+    m_lua.m_budget.limit = m_limit;
 }
 
 bool cLuaState::isConstantOverflow(const QString& error)
@@ -74,11 +86,8 @@ bool cLuaState::isConstantOverflow(const QString& error)
 bool cLuaState::loadAndCall(const char* text, size_t length, const char* name, int results)
 {
     int status = luaL_loadbuffer(m_state, text, length, name);
-    if (status == 0) {
-        m_budget.clock.start();
+    if (status == 0)
         status = lua_pcall(m_state, 0, results, 0);
-        m_budget.executedMs += m_budget.clock.elapsed();
-    }
     if (status == 0)
         return true;
     m_error = QString::fromLocal8Bit(lua_tostring(m_state, -1));
@@ -96,14 +105,63 @@ bool cLuaState::run(const QByteArray& chunk)
     // The text ends at its first NUL byte, as a C string would.
     const size_t length = qstrlen(chunk.constData());
     m_budget.limit = memoryLimitFor(length);
-    m_budget.executedMs = 0;
-    lua_sethook(m_state, &cLuaState::checkTime, LUA_MASKCOUNT, hookInstructionCount);
+    m_budget.instructions = 0;
+    m_budget.memoryExceeded = false;
+    m_budget.instructionsExceeded = false;
+    lua_sethook(m_state, &cLuaState::countInstructions, LUA_MASKCOUNT, hookInstructionCount);
 
     bool ok = loadAndCall(chunk.constData(), length, "=chunk", 0);
     if (!ok && isConstantOverflow(m_error))
         ok = cLuaChunkSplitter(*this).run(chunk.constData(), length);
 
     lua_sethook(m_state, nullptr, 0, 0);
+    if (!ok)
+        logExceededLimit(m_budget.limit);
     m_budget.limit = 0;
     return ok;
+}
+
+// A file stopped by a bound is not broken, only too demanding; the log says
+// which bound so that a genuine file that hits one can be told apart.
+void cLuaState::logExceededLimit(size_t memoryLimit) const
+{
+    if (m_budget.instructionsExceeded)
+        qWarning().noquote() << "File not read: it runs more than" << instructionLimit << "Lua instructions";
+    else if (m_budget.memoryExceeded)
+        qWarning().noquote() << "File not read: it needs more than" << memoryLimit << "bytes of memory";
+}
+
+bool cLuaState::runFile(const QString& path, const char* global, const std::function<bool(lua_State*)>& read,
+                        bool* result, QString* error)
+{
+    const auto fail = [error](const QString& text) {
+        if (error)
+            *error = text;
+    };
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        fail(file.errorString());
+        return false;
+    }
+    const QString text = QTextStream(&file).readAll();
+    file.close();
+
+    *result = false;
+    cLuaState lua;
+    if (!lua.run(text.toLocal8Bit())) {
+        fail(lua.errorText());
+        return true;
+    }
+    lua_State* L = lua.state();
+    lua_getglobal(L, global);
+    if (lua_istable(L, -1)) {
+        *result = read(L);
+    } else {
+        const QString message = QStringLiteral("No %1 table in Lua-state... %2")
+                                    .arg(QLatin1String(global), QLatin1String(luaL_typename(L, -1)));
+        qDebug().noquote() << message;
+        fail(message);
+    }
+    lua_pop(L, 1);
+    return true;
 }

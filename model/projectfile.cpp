@@ -4,6 +4,7 @@
 #include "routetable.h"
 
 #include <QDebug>
+#include <QSaveFile>
 
 #include <lua.hpp>
 
@@ -51,4 +52,12 @@ bool readProject(cProject& project, lua_State* L, bool deviceForm)
         lua_pop(L, 1);
     lua_pop(L, 1);
     return ok;
+}
+
+bool writeFileAtomically(const QString& path, const QByteArray& bytes, bool text)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
+    const QIODevice::OpenMode mode = text ? QIODevice::WriteOnly | QIODevice::Text : QIODevice::WriteOnly;
+    return file.open(mode) && file.write(bytes) == bytes.size() && file.commit();
 }

@@ -15,4 +15,9 @@ QString writeProject(const cProject& project, bool deviceForm);
 // Routes read before a failure, the failing one included, stay in it.
 bool readProject(cProject& project, lua_State* L, bool deviceForm);
 
+// Writes aside and renames over the target, so a failed write never leaves
+// a truncated file behind. Where the folder lets the file be changed but not
+// created, it is written in place. `text` selects the platform's line ends.
+bool writeFileAtomically(const QString& path, const QByteArray& bytes, bool text);
+
 #endif

@@ -6,10 +6,6 @@
 #include <QDebug>
 #include <QFile>
 #include <QMetaType>
-#include <QSaveFile>
-#include <QTextStream>
-
-#include <lua.hpp>
 
 cProjectManager::cProjectManager(QObject* parent)
     : QObject(parent)
@@ -33,6 +29,7 @@ cProject* cProjectManager::project()
 
 void cProjectManager::resetProject()
 {
+    emit aboutToResetProject();
     m_project.id = QUuid::createUuid();
     m_project.version = 1;
     m_project.routes.clear();
@@ -40,55 +37,35 @@ void cProjectManager::resetProject()
 
 bool cProjectManager::saveProject(const QString& path)
 {
-    // Written aside and renamed over the old file, so a failed save never
-    // leaves a truncated project behind.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return false;
-    QTextStream stream(&file);
-    stream << writeProject(m_project, false);
-    stream.flush();
-    if (stream.status() != QTextStream::Ok || !file.commit())
+    keepPreviousFile(path);
+    if (!writeFileAtomically(path, writeProject(m_project, false).toLocal8Bit(), true))
         return false;
     emit projectSaved();
     return true;
 }
 
+// One generation of the project as it was before this save, so that saving
+// the wrong project over a file can be undone by hand.
+void cProjectManager::keepPreviousFile(const QString& path)
+{
+    QFile previous(path);
+    if (!previous.exists())
+        return;
+    const QString backup = path + QStringLiteral(".bak");
+    if (!previous.open(QIODevice::ReadOnly) || !writeFileAtomically(backup, previous.readAll(), false))
+        qWarning().noquote() << "Could not keep the previous project as" << backup;
+}
+
 bool cProjectManager::openProject(const QString& path, QString* error)
 {
-    const auto fail = [error](const QString& text) {
-        if (error)
-            *error = text;
-    };
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        fail(file.errorString());
-        return false;
-    }
-    const QString text = QTextStream(&file).readAll();
-    file.close();
-
     bool result = false;
-    {
-        cLuaState lua;
-        if (lua.run(text.toLocal8Bit())) {
-            lua_State* L = lua.state();
-            lua_getglobal(L, "project");
-            if (lua_istable(L, -1)) {
-                resetProject();
-                emit projectCreated();
-                result = readProject(m_project, L, false);
-            } else {
-                const QString message = QStringLiteral("No project table in Lua-state... %1")
-                                            .arg(QLatin1String(luaL_typename(L, -1)));
-                qDebug().noquote() << message;
-                fail(message);
-            }
-            lua_pop(L, 1);
-        } else {
-            fail(lua.errorText());
-        }
-    }
+    const bool opened = cLuaState::runFile(path, "project", [this](lua_State* L) {
+        resetProject();
+        emit projectCreated();
+        return readProject(m_project, L, false);
+    }, &result, error);
+    if (!opened)
+        return false;
     emit projectOpened();
     return result;
 }

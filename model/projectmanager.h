@@ -34,6 +34,9 @@ public:
     static cBaseTexts defaultBaseTexts();
 
 signals:
+    // The records are about to be replaced by a new or opened project; the
+    // last moment to look at the old one.
+    void aboutToResetProject();
     void projectCreated();
     void projectOpened();
     void projectSaved();
@@ -41,6 +44,7 @@ signals:
 
 private:
     void resetProject();
+    void keepPreviousFile(const QString& path);
 
     cProject m_project;
 };

@@ -14,8 +14,8 @@ namespace {
 
 // Values go between the quotes unescaped and the templates are filled by
 // successive single QString::arg() calls, so a value holding a %-digit
-// sequence is itself substituted by later arguments. Device scripts in use
-// depend on this exact text; keep it.
+// sequence is itself substituted by later arguments. The file formats are
+// defined by this exact text; keep it.
 
 QString coordinate(double degrees, bool deviceForm)
 {
@@ -156,7 +156,7 @@ void readZone(lua_State* L, cStop* stop, bool deviceForm)
         lua_pop(L, 1);
     } else {
         stop->course_enabled = false;
-        // Older files were read with this wording for a missing course too.
+        // The missing course is reported in the centre's words on purpose.
         qDebug("center not found");
     }
 }
@@ -217,31 +217,23 @@ bool readBranchField(lua_State* L, const char* key, cBranch* branch, bool device
 
 QString deviceFileName(const QString& path)
 {
-    // The last extension of letters and digits becomes ".wav"; a name
-    // without one keeps its name. Checks run this for every sound of a
-    // city's project, so it is done by hand rather than by a pattern.
-    int end = path.size();
+    // Either separator, as projects made on Windows hold backslashes. The
+    // extension is the last dot's letters and digits; checks run this for
+    // every sound of a city's project, so no pattern is matched.
+    const int separator = qMax(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
     const int dot = path.lastIndexOf(QLatin1Char('.'));
-    if (dot >= 0 && dot + 1 < path.size()) {
-        const auto isAsciiAlnum = [](QChar c) {
-            return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
-                || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
-        };
-        if (std::all_of(path.begin() + dot + 1, path.end(), isAsciiAlnum))
-            end = dot;
-    }
-    // Projects made on Windows may hold either separator.
-    const int separator =
-        qMax(path.lastIndexOf(QLatin1Char('/'), end - 1), path.lastIndexOf(QLatin1Char('\\'), end - 1));
-    const QString name = path.mid(separator + 1, end - separator - 1);
-    return end == path.size() ? name : name + QStringLiteral(".wav");
+    const auto isAsciiAlnum = [](QChar c) {
+        return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+            || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
+    };
+    if (dot > separator && dot + 1 < path.size() && std::all_of(path.begin() + dot + 1, path.end(), isAsciiAlnum))
+        return path.mid(separator + 1, dot - separator - 1) + QStringLiteral(".wav");
+    return path.mid(separator + 1);
 }
 
 QString devicePath(const QString& path)
 {
-    if (path.isEmpty())
-        return path;
-    return QStringLiteral("/sdmmc/voskdev/") + deviceFileName(path);
+    return path.isEmpty() ? path : QStringLiteral("/sdmmc/voskdev/%1").arg(deviceFileName(path));
 }
 
 QString writeRoute(const cRoute& route, bool deviceForm)

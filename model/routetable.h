@@ -11,10 +11,13 @@ struct lua_State;
 // sound paths as stored, plain degrees) or device form (no stop ids, device
 // sound paths, coordinates in 1/3600000 degree).
 
-// The name a sound file gets on the device's card: its file name with the
-// extension replaced by ".wav".
+// The name a sound file has on the device: its last path component (after
+// either separator, as projects made on Windows hold backslashes) with the
+// extension replaced by ".wav". Scripts and the converter must agree on it.
 QString deviceFileName(const QString& path);
-// "/sdmmc/voskdev/<name>.wav" for a local sound path; empty stays empty.
+
+// "/sdmmc/voskdev/" and the device file name for a local sound path; empty
+// stays empty.
 QString devicePath(const QString& path);
 
 QString writeRoute(const cRoute& route, bool deviceForm);

@@ -115,9 +115,10 @@ void answerMessageBox(QString* text, const QString& buttonText)
     });
 }
 
-void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons)
+void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons,
+               Qt::MouseButton button)
 {
-    QMouseEvent event(type, pos, widget->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+    QMouseEvent event(type, pos, widget->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : button,
                       buttons, Qt::NoModifier);
     QApplication::sendEvent(widget, &event);
 }
@@ -128,10 +129,10 @@ void click(QWidget* widget, const QPoint& pos)
     sendMouse(widget, QEvent::MouseButtonRelease, pos);
 }
 
-void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times)
+void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times, Qt::KeyboardModifiers modifiers)
 {
     for (int i = 0; i < times; ++i) {
-        QWheelEvent event(pos, widget->mapToGlobal(pos), QPoint(), QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
+        QWheelEvent event(pos, widget->mapToGlobal(pos), QPoint(), QPoint(0, delta), Qt::NoButton, modifiers,
                           Qt::NoScrollPhase, false);
         QApplication::sendEvent(widget, &event);
     }

@@ -2,6 +2,7 @@
 #define VOSK_GUISUPPORT_H
 
 #include <QEvent>
+#include <QObject>
 #include <QPoint>
 #include <QString>
 #include <QTemporaryDir>
@@ -11,6 +12,16 @@
 class QWidget;
 
 namespace guisupport {
+
+// The descendant named `name`; without it the test has nothing to check.
+template <typename T = QWidget>
+T* child(QObject* parent, const char* name)
+{
+    T* found = parent->findChild<T*>(QLatin1String(name));
+    if (!found)
+        qFatal("no %s", name);
+    return found;
+}
 
 // Runs `answer` on the next modal dialog once it is shown, from inside its
 // event loop, so a test can drive code that blocks on a dialog.
@@ -31,9 +42,11 @@ void answerMessageBox(QString* text = nullptr, const QString& buttonText = QStri
 
 // Mouse input as the window system delivers it; a click is a press and a
 // release of the left button.
-void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons = Qt::NoButton);
+void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& pos, Qt::MouseButtons buttons = Qt::NoButton,
+               Qt::MouseButton button = Qt::LeftButton);
 void click(QWidget* widget, const QPoint& pos);
-void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times = 1);
+void sendWheel(QWidget* widget, const QPoint& pos, int delta, int times = 1,
+               Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 // Points settings and data folders at a temporary folder for the whole test
 // process, so that tests never touch the user's own files.

@@ -4,7 +4,6 @@
 #include "project.h"
 
 #include <QObject>
-#include <QPointF>
 
 #include <QByteArray>
 #include <QString>
@@ -18,6 +17,10 @@ namespace testsupport {
 // Writes bytes to a file, creating it; returns false when that fails.
 bool writeFile(const QString& path, const QByteArray& bytes);
 QByteArray readFile(const QString& path);
+
+// Root passes every permission check; a test of read-only folders drops
+// that power for the calling thread. Other users have none to drop.
+void honourFilePermissions();
 
 // Empty when the records are equal; otherwise names the first difference,
 // so a failing comparison says where it went wrong.
@@ -67,10 +70,6 @@ public:
     QStringList messages() const;
     void clear();
 };
-
-// The centre of the first stop of the direct branch of the route table on
-// the top of the stack, as the device's interpreter computes it.
-QPointF firstStopCenter(lua_State* L);
 
 } // namespace testsupport
 

@@ -3,6 +3,9 @@
 
 #include <QtTest>
 
+#include <signal.h>
+#include <sys/resource.h>
+
 using namespace testsupport;
 
 namespace {
@@ -59,6 +62,7 @@ private slots:
     void realSourcesBecomeDeviceWav();
     void keptOutputWithoutDataTagIsRewritten();
     void commandLineAndBusyConverter();
+    void reportsWhatItCouldNotWrite();
     void destructorEndsAHungRun();
 
 private:
@@ -181,6 +185,35 @@ void tst_Converter::commandLineAndBusyConverter()
     // Without ffmpeg the missing output is reported before the result.
     qputenv("PATH", m_sources.path().toLocal8Bit());
     QCOMPARE(convert(converter, {src("tagged.wav")}), (QStringList{"tagged.wav=0", "tagged.wav=1", "finished=1"}));
+}
+
+void tst_Converter::reportsWhatItCouldNotWrite()
+{
+    useFakeFfmpeg();
+    cConverter converter;
+    // An unknown naming rule gives ffmpeg no output, but the header rewrite
+    // still looks for the source's name in the output folder.
+    converter.setFileNameType(7);
+    cMessageCapture log;
+    QCOMPARE(convert(converter, {src("tagged.wav")}),
+             (QStringList{"tagged.wav=0", "tagged.wav=0", "tagged.wav=1", "finished=1"}));
+    QVERIFY(log.messages().contains("Out filename: " + out("tagged.wav")));
+
+    // A card that takes no more than 20 bytes a file: the rewritten header
+    // does not fit, which is reported, not taken for success.
+    converter.setFileNameType(0);
+    QSignalSpy unwritten(&converter, &cConverter::writeFailed);
+    rlimit unlimited{};
+    getrlimit(RLIMIT_FSIZE, &unlimited);
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit full = unlimited;
+    full.rlim_cur = 20;
+    setrlimit(RLIMIT_FSIZE, &full);
+    const QStringList reports = convert(converter, {src("next.ogg")});
+    setrlimit(RLIMIT_FSIZE, &unlimited);
+    QCOMPARE(reports, (QStringList{"next.ogg=0", "next.ogg=1", "finished=1"}));
+    QCOMPARE(unwritten.count(), 1);
+    QCOMPARE(unwritten.at(0).at(0).toString(), out("next.wav"));
 }
 
 void tst_Converter::destructorEndsAHungRun()

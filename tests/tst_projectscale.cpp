@@ -63,6 +63,7 @@ class tst_ProjectScale : public QObject
 private slots:
     void largeTablesEvaluateAsLuaWould();
     void hugeProjectSavesAndOpens();
+    void runningOutOfMemoryBetweenPiecesFails();
 };
 
 void tst_ProjectScale::largeTablesEvaluateAsLuaWould()
@@ -129,6 +130,32 @@ void tst_ProjectScale::hugeProjectSavesAndOpens()
         QVERIFY(other.openProject(file));
     }
     QCOMPARE(difference(*other.project(), saved), QString());
+}
+
+// Memory can run out between the pieces of a file too large for one Lua
+// function, outside any protected call: such a file must fail to open, not
+// end the editor. A million entries make their table's array double to
+// 32 MB while the last piece is merged; strings of a megabyte built by the
+// file itself fill the memory up to just below its bound before that; a
+// large table comes after.
+void tst_ProjectScale::runningOutOfMemoryBetweenPiecesFails()
+{
+    QByteArray last = "{ ";
+    for (int i = 0; i < 300000; ++i)
+        last += QByteArray::number(i) + ',';
+    const QByteArray rest = QByteArray("1,").repeated((1 << 20) + 1) + "\n" + last + "} }\n";
+    const QByteArray head = "project = { (function() local t, b = {}, 'x' while #b < 1048576 do b = b .. b end "
+                            "for i = 1, %1 do t[i] = b .. i end return t end)(),\n";
+    QTemporaryDir dir;
+    const QString file = dir.filePath("filled.vosk");
+    for (int belowBound : {50, 46}) {
+        const qint64 bound = qint64(cLuaState::memoryLimitFor(size_t(head.size() + rest.size()))) >> 20;
+        QVERIFY(writeFile(file, QString::fromLatin1(head).arg(bound - belowBound).toLatin1() + rest));
+        cProjectManager manager;
+        cMessageCapture capture;
+        QVERIFY(!manager.openProject(file));
+        QVERIFY(capture.messages().filter("File not read: it needs more than").size() == 1);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_ProjectScale)

@@ -1,10 +1,14 @@
 #include "expanderwidget.h"
 #include "guisupport.h"
-#include "mainwindow.h"
+#include "mapadapter.h"
+#include "mapcontrol.h"
+#include "mapviewer.h"
 #include "projectmanager.h"
+#include "soundselector.h"
 #include "startup.h"
 #include "stopeditor.h"
 #include "testsupport.h"
+#include "tileserver.h"
 
 #include <QtTest>
 #include <QApplication>
@@ -17,6 +21,8 @@
 #include <QStandardItemModel>
 #include <QToolButton>
 
+#include <functional>
+
 using namespace guisupport;
 using namespace testsupport;
 
@@ -25,22 +31,27 @@ class tst_StopEditor : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
     void freshRouteShowsEmptyDirectBranch();
     void newStopNamesPerBranch();
     void moveButtonsFollowTheRow();
-    void anyEditStoresTheWholeForm();
+    void everyActionWritesTheWholeRecord();
+    void coordinatesTakeAPointInAnyLocale();
+    void renameKeepsMapCentreAndCaret();
     void branchesKeepRowsAndAlternateNames();
     void deletingTheLastStopEmptiesTheForm();
     void expanderToggles();
-    void onlyEditsMarkTheProject();
+    void placingOnTheMap();
 
 private:
     template <typename T>
     T* child(const char* name) { return m_editor->findChild<T*>(QLatin1String(name)); }
+    QLineEdit* edit(const char* name) { return child<QLineEdit>(name); }
     QListView* list() { return child<QListView>("stopList"); }
     cRoute& route() { return m_manager->project()->routes[0]; }
+    QList<cSoundSelector*> sounds() { return m_editor->findChildren<cSoundSelector*>(); }
     QStringList listTexts()
     {
         QStringList texts;
@@ -58,7 +69,7 @@ private:
     // loop has run.
     void typeInto(const char* field, const QString& text)
     {
-        QTest::keyClicks(child<QLineEdit>(field), text);
+        QTest::keyClicks(edit(field), text);
         QCoreApplication::processEvents();
     }
     void click(const char* button)
@@ -66,10 +77,39 @@ private:
         child<QToolButton>(button)->click();
         QCoreApplication::processEvents();
     }
+    // What the form shows, as the fields of `stop` it is bound to.
+    cStop shown(cStop stop)
+    {
+        stop.name = edit("stopNameEdit")->text();
+        stop.full_name = edit("stopFullNameEdit")->text();
+        stop.is_key_stop = child<QCheckBox>("isKeyStop")->isChecked();
+        stop.lon = edit("lonEdit")->text().toDouble();
+        stop.lat = edit("latEdit")->text().toDouble();
+        stop.radius = child<QSpinBox>("radiusEdit")->value();
+        stop.course_enabled = child<QCheckBox>("courseEnabled")->isChecked();
+        stop.course_value = child<QSpinBox>("courseEdit")->value();
+        stop.course_diff = child<QSpinBox>("diffEdit")->value();
+        stop.sound = sounds().at(0)->soundFile();
+        stop.other_sounds.clear();
+        for (const cSoundSelector* field : sounds().mid(1))
+            stop.other_sounds << field->soundFile();
+        stop.other_text = edit("otherTextEdit")->text();
+        return stop;
+    }
 
     QScopedPointer<cProjectManager> m_manager;
     QScopedPointer<cStopEditor> m_editor;
+    QTemporaryDir m_temp;
+    cTileServer m_server;
 };
+
+void tst_StopEditor::initTestCase()
+{
+    // The map keeps its tiles in the temporary folder and fetches them here.
+    qputenv("TMPDIR", m_temp.path().toLocal8Bit());
+    QVERIFY(m_server.start());
+    qputenv(qmapcontrol::MapAdapter::serverVariable, m_server.url().toLatin1());
+}
 
 void tst_StopEditor::init()
 {
@@ -99,6 +139,12 @@ void tst_StopEditor::freshRouteShowsEmptyDirectBranch()
 
     m_editor->routeSelected(QUuid());
     QCOMPARE(list()->model()->rowCount(), 0);
+    // Without a route the alternate names go nowhere, silently.
+    cMessageCapture log;
+    QSignalSpy branch(m_editor.data(), &cStopEditor::branchChanged);
+    typeInto("firstNameEdit", "X");
+    QCOMPARE(log.messages().filter("Branch"), QStringList());
+    QCOMPARE(branch.count(), 0);
 }
 
 void tst_StopEditor::newStopNamesPerBranch()
@@ -125,16 +171,16 @@ void tst_StopEditor::newStopNamesPerBranch()
     QCOMPARE(route().reverse.stops.last().name, QStringLiteral("New stop"));
 }
 
+// Adding and moving stops is no stop's change; Школа holds the new stop's
+// course and radius, so no spin box changes on the way either.
 void tst_StopEditor::moveButtonsFollowTheRow()
 {
     auto* up = child<QToolButton>("upStopBtn");
     auto* down = child<QToolButton>("downStopBtn");
+    selectRow(1);
+    QSignalSpy changed(m_editor.data(), &cStopEditor::stopChanged);
     click("addStopBtn");
-    selectRow(0);
-    QVERIFY(!up->isEnabled() && down->isEnabled());
-    selectRow(2);
     QVERIFY(up->isEnabled() && !down->isEnabled());
-
     click("upStopBtn");
     QCOMPARE(listTexts(), (QStringList{"Центральная", "New stop", "Школа"}));
     QCOMPARE(route().direct.stops[1].name, QStringLiteral("New stop"));
@@ -142,52 +188,118 @@ void tst_StopEditor::moveButtonsFollowTheRow()
     click("downStopBtn");
     click("downStopBtn");
     QCOMPARE(route().direct.stops[2].name, QStringLiteral("New stop"));
+    QCOMPARE(changed.count(), 0);
+    selectRow(0);
+    QVERIFY(!up->isEnabled() && down->isEnabled());
 
     child<QSlider>("isReverse")->setValue(1);
     selectRow(0);
     QVERIFY(!up->isEnabled() && !down->isEnabled());
 }
 
-void tst_StopEditor::anyEditStoresTheWholeForm()
+// The form is changed as loading changes it, which writes nothing; then one
+// user action on any field writes every field.
+void tst_StopEditor::everyActionWritesTheWholeRecord()
 {
-    cStop& stop = route().direct.stops[0];
-    stop.lon = 37.6199771234;
-    stop.other_sounds = QStringList{"1.mp3", "2.mp3", "3.mp3", "4.mp3", "5.mp3", "6.mp3", "7.mp3"};
-    QSignalSpy changed(m_editor.data(), &cStopEditor::stopChanged);
+    const auto texts = {"stopNameEdit", "stopFullNameEdit", "lonEdit", "latEdit", "otherTextEdit"};
+    const auto spins = {"radiusEdit", "courseEdit", "diffEdit"};
+    QList<QPair<QString, std::function<void()>>> actions{
+        {"isKeyStop", [this] { child<QCheckBox>("isKeyStop")->click(); }},
+        {"courseEnabled", [this] { child<QCheckBox>("courseEnabled")->click(); }},
+        {"sound", [this] { sounds().at(0)->findChild<QToolButton*>("cDeleteButton")->click(); }},
+        {"other sound", [this] { sounds().at(3)->findChild<QToolButton*>("cDeleteButton")->click(); }}};
+    for (const char* name : texts)
+        actions.append({name, [this, name] { QTest::keyClick(edit(name), Qt::Key_1); }});
+    for (const char* name : spins)
+        actions.append({name, [this, name] { QTest::keyClick(child<QSpinBox>(name), Qt::Key_Up); }});
+
+    route().direct.stops[0].other_sounds = QStringList{"1.mp3", "2.mp3", "3.mp3", "4.mp3", "5.mp3", "6.mp3", "7.mp3"};
+    for (int i = 0; i < actions.size(); ++i) {
+        cStop& stop = route().direct.stops[0];
+        // Loaded with the course on, its spin boxes take keys.
+        stop.course_enabled = true;
+        selectRow(1);
+        selectRow(0);
+        const cStop other = route().direct.stops[1];
+        // Spin boxes write as they are filled, so they come first.
+        int value = 10 + i;
+        for (const char* name : spins)
+            child<QSpinBox>(name)->setValue(value++);
+        QCoreApplication::processEvents();
+        const cStop before = stop;
+        const QString mark = QString::number(i);
+        // All but the name: a rename refills the form from the record, which
+        // would hide a field that was not written.
+        for (const char* name : {"stopFullNameEdit", "otherTextEdit"})
+            edit(name)->setText(edit(name)->text() + mark);
+        edit("lonEdit")->setText("3" + mark + ".5");
+        edit("latEdit")->setText("5" + mark + ".25");
+        for (const char* name : {"isKeyStop", "courseEnabled"})
+            child<QCheckBox>(name)->toggle();
+        for (int field = 0; field < sounds().size(); ++field)
+            sounds().at(field)->setSoundFile(mark + QString::number(field) + ".wav");
+        QCOMPARE(difference(stop, before), QString());
+
+        QSignalSpy changed(m_editor.data(), &cStopEditor::stopChanged);
+        actions[i].second();
+        QCoreApplication::processEvents();
+        QVERIFY2(difference(stop, shown(before)).isEmpty(), qPrintable(actions[i].first + ": " + difference(stop, shown(before))));
+        QCOMPARE(stop.other_sounds.size(), 5);
+        QVERIFY(!changed.isEmpty() && changed.last().at(0).value<QUuid>() == stop.id);
+        QCOMPARE(difference(route().direct.stops[1], other), QString());
+    }
+}
+
+// Whatever the system's decimal separator, a coordinate is typed, shown and
+// stored with a point; a comma typed out of habit becomes one.
+void tst_StopEditor::coordinatesTakeAPointInAnyLocale()
+{
     selectRow(0);
-    QCOMPARE(child<QLineEdit>("lonEdit")->text(), QStringLiteral("37.619977"));
-    changed.clear();
+    edit("latEdit")->clear();
+    typeInto("latEdit", "55.75");
+    edit("lonEdit")->clear();
+    typeInto("lonEdit", "37,5");
+    QCOMPARE(edit("lonEdit")->text(), QStringLiteral("37.5"));
+    const cStop& stop = route().direct.stops[0];
+    QCOMPARE(QPointF(stop.lon, stop.lat), QPointF(37.5, 55.75));
+    selectRow(1);
+    selectRow(0);
+    QCOMPARE(edit("latEdit")->text() + ' ' + edit("lonEdit")->text(), QStringLiteral("55.75 37.5"));
+}
 
-    typeInto("otherTextEdit", "!");
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.at(0).at(0).value<QUuid>(), stop.id);
-    QCOMPARE(stop.lon, 37.619977);
-    QCOMPARE(stop.other_sounds, (QStringList{"1.mp3", "2.mp3", "3.mp3", "4.mp3", "5.mp3"}));
-    QCOMPARE(stop.other_text, QStringLiteral("Пересадка на метро!"));
+// A centre taken from the map reaches the stop with the next edit, even when
+// that edit renames the stop; the caret stays where the user types.
+void tst_StopEditor::renameKeepsMapCentreAndCaret()
+{
+    selectRow(0);
+    auto* viewer = m_editor->findChild<cMapViewer*>();
+    viewer->showCoordinate(QPointF(30.25, 59.5), true);
+    emit viewer->ok();
+    QCOMPARE(edit("lonEdit")->text(), QStringLiteral("30.25"));
 
-    // A rename in the name field reaches the list as well.
-    typeInto("stopNameEdit", "2");
-    QCOMPARE(stop.name, QStringLiteral("Центральная2"));
-    QCOMPARE(listTexts().first(), QStringLiteral("Центральная2"));
-
-    // Course off still keeps the values of the spin boxes.
-    child<QCheckBox>("courseEnabled")->click();
-    QCoreApplication::processEvents();
-    QVERIFY(!stop.course_enabled);
-    QCOMPARE(stop.course_value, 270);
-    QVERIFY(!child<QSpinBox>("diffEdit")->isEnabled());
+    QLineEdit* name = edit("stopNameEdit");
+    name->setCursorPosition(0);
+    typeInto("stopNameEdit", "A");
+    typeInto("stopNameEdit", "B");
+    QCOMPARE(name->text(), QStringLiteral("ABЦентральная"));
+    QCOMPARE(name->cursorPosition(), 2);
+    const cStop& stop = route().direct.stops[0];
+    QCOMPARE(stop.name, name->text());
+    QCOMPARE(QPointF(stop.lon, stop.lat), QPointF(30.25, 59.5));
 }
 
 void tst_StopEditor::branchesKeepRowsAndAlternateNames()
 {
     // Alternate names go to the branch on show, and are no stop's change.
     QSignalSpy changed(m_editor.data(), &cStopEditor::stopChanged);
+    QSignalSpy branch(m_editor.data(), &cStopEditor::branchChanged);
     child<QSlider>("isReverse")->setValue(1);
     typeInto("firstNameEdit", "X");
     QCOMPARE(route().reverse.first, QStringLiteral("X"));
     QCOMPARE(route().reverse.last, QStringLiteral("Парк"));
     QCOMPARE(route().direct.first, QStringLiteral("Депо"));
     QCOMPARE(changed.count(), 0);
+    QCOMPARE(branch.count(), 1);
 
     child<QSlider>("isReverse")->setValue(0);
     selectRow(1);
@@ -218,55 +330,94 @@ void tst_StopEditor::deletingTheLastStopEmptiesTheForm()
 
 void tst_StopEditor::expanderToggles()
 {
-    ExpanderWidget expander;
-    expander.addPage(new QWidget);
-    QSignalSpy changed(&expander, &ExpanderWidget::expanderChanged);
-    expander.show();
-    expander.setExpanded(true);
-    QCOMPARE(changed.count(), 0);
-    expander.setExpanded(false);
+    // The branch settings start collapsed; only a change is announced.
+    auto* expander = m_editor->findChild<ExpanderWidget*>("expander");
+    QVERIFY(!expander->isExpanded());
+    QSignalSpy changed(expander, &ExpanderWidget::expanderChanged);
+    expander->setExpanded(false);
+    expander->setExpanded(true);
     QCOMPARE(changed.count(), 1);
-    QVERIFY(!expander.widget(0)->isVisible());
-    expander.setProperty("isExpanded", true);
-    QVERIFY(expander.widget(0)->isVisible());
-
-    // In the editor the branch settings start collapsed.
-    auto* inEditor = m_editor->findChild<ExpanderWidget*>("expander");
-    QVERIFY(inEditor && !inEditor->isExpanded());
+    QVERIFY(expander->widget(0)->isVisible());
 }
 
-void tst_StopEditor::onlyEditsMarkTheProject()
+void tst_StopEditor::placingOnTheMap()
 {
-    QTemporaryDir dir;
-    const QString file = dir.filePath("p.vosk");
-    {
-        cProjectManager manager;
-        cRoute plain = sampleRoute();
-        // Stops with the form's defaults, so selecting them changes no spin box.
-        for (cStop& stop : plain.direct.stops)
-            stop = [&stop] { cStop fresh; fresh.id = stop.id; fresh.name = stop.name; return fresh; }();
-        manager.project()->routes << plain;
-        QVERIFY(manager.saveProject(file));
-    }
-    cMainWindow window;
-    window.show();
-    answerFileDialog(file);
-    window.findChild<QPushButton*>("openProjectBtn")->click();
-    auto* editor = window.findChild<cStopEditor*>();
-    auto* stops = editor->findChild<QListView*>("stopList");
-    stops->setCurrentIndex(stops->model()->index(0, 0));
-    QCoreApplication::processEvents();
-    window.findChild<QPushButton*>("saveProjectBtn")->click();
-    QVERIFY(!window.isWindowModified());
-
-    for (const char* button : {"addStopBtn", "upStopBtn", "downStopBtn", "deleteStopBtn"}) {
-        editor->findChild<QToolButton*>(button)->click();
+    auto* viewer = m_editor->findChild<cMapViewer*>();
+    auto* map = viewer->findChild<qmapcontrol::MapControl*>();
+    const auto openMap = [&] {
+        child<QPushButton>("mapBtn")->click();
+        QVERIFY(QTest::qWaitForWindowExposed(viewer));
+    };
+    const auto press = [&](const char* text) {
+        for (QPushButton* button : viewer->findChildren<QPushButton*>()) {
+            if (button->text() == QLatin1String(text))
+                button->click();
+        }
         QCoreApplication::processEvents();
-        QVERIFY2(!window.isWindowModified(), button);
+    };
+    const auto shownAt = [](const cStop& stop) { return QPointF(stop.lon, stop.lat); };
+    cStop& central = route().direct.stops[0];
+    cStop& school = route().direct.stops[1];
+    auto* lon = child<QLineEdit>("lonEdit");
+    selectRow(0);
+
+    // Opened on the stop with its course; moved and turned with Ctrl held
+    // while OK is clicked: the course write takes the centre along.
+    openMap();
+    QCOMPARE(viewer->coordinate(), shownAt(central));
+    guisupport::click(map, QPoint(100, 100));
+    const QPointF picked = viewer->coordinate();
+    QTest::keyPress(map, Qt::Key_Control);
+    QTest::keyClick(map, Qt::Key_Left);
+    press("OK");
+    QTest::keyRelease(map, Qt::Key_Control);
+    QCOMPARE(central.course_value, 271);
+    QCOMPARE(central.course_diff, 45);
+    QCOMPARE(lon->text(), QString::number(picked.x(), 'g', 8));
+    QCOMPARE(central.lon, lon->text().toDouble());
+    QVERIFY(lon->toolTip().isEmpty());
+
+    // A move alone waits for the next write, and the fields say so.
+    const double applied = central.lon;
+    openMap();
+    guisupport::click(map, QPoint(200, 120));
+    const QPointF moved = viewer->coordinate();
+    press("OK");
+    QCOMPARE(lon->text(), QString::number(moved.x(), 'g', 8));
+    QCOMPARE(central.lon, applied);
+    QCOMPARE(lon->toolTip(), QStringLiteral("Not applied yet: the next edit of this stop writes it"));
+    typeInto("otherTextEdit", "!");
+    QCOMPARE(central.lon, lon->text().toDouble());
+    QVERIFY(lon->toolTip().isEmpty() && lon->styleSheet().isEmpty());
+
+    // Cancel and the close button keep the stop as it is.
+    const cStop before = central;
+    for (bool closeButton : {false, true}) {
+        openMap();
+        guisupport::click(map, QPoint(50, 50));
+        QTest::keyPress(map, Qt::Key_Control);
+        QTest::keyClick(map, Qt::Key_Right);
+        if (closeButton)
+            viewer->close();
+        else
+            press("Cancel");
+        QTest::keyRelease(map, Qt::Key_Control);
+        QCOMPARE(difference(central, before), QString());
+        QCOMPARE(lon->text(), QString::number(before.lon, 'g', 8));
     }
-    QTest::keyClicks(editor->findChild<QLineEdit*>("stopNameEdit"), "x");
-    QCoreApplication::processEvents();
-    QVERIFY(window.isWindowModified());
+
+    // The map follows the list to the next stop: its own marker, no course
+    // of the last one, and its OK lands there.
+    openMap();
+    QTest::keyPress(map, Qt::Key_Control);
+    selectRow(1);
+    QCOMPARE(viewer->editedStop(), school.id);
+    QCOMPARE(viewer->coordinate(), shownAt(school));
+    QVERIFY(!viewer->course(nullptr, nullptr));
+    QTest::keyRelease(map, Qt::Key_Control);
+    press("OK");
+    QVERIFY(!school.course_enabled && !child<QCheckBox>("courseEnabled")->isChecked());
+    QCOMPARE(difference(central, before), QString());
 }
 
 VOSK_GUI_TEST_MAIN(tst_StopEditor)

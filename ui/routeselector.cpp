@@ -61,6 +61,18 @@ QString routeScript(const cRoute& route)
     return QStringLiteral("route =\n%1").arg(writeRoute(route, true));
 }
 
+// False when the script did not reach the disk whole, as on a full card,
+// which takes the open but not all of the bytes.
+bool writeScript(QFile& file, const QString& script)
+{
+    QTextStream stream(&file);
+    stream << script;
+    stream.flush();
+    const bool flushed = stream.status() == QTextStream::Ok && file.flush();
+    file.close();
+    return flushed && file.error() == QFileDevice::NoError;
+}
+
 // Every sound the device needs for the route, in the order the route uses
 // them; empty entries included.
 QStringList routeSounds(const cRoute& route)
@@ -154,6 +166,7 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     converter->setFileNameType(0);
     connect(converter, &cConverter::convertFinished, this, &cRouteSelector::convertFinished);
     connect(converter, &cConverter::fileProcessed, this, &cRouteSelector::fileProcessed);
+    connect(converter, &cConverter::writeFailed, this, [this] { writesFailed = true; });
     progress = new cConvertProgress(this);
 }
 
@@ -250,6 +263,18 @@ bool cRouteSelector::confirmUnsafeTexts()
     return QMessageBox::question(this, tr("Save project"), text, QMessageBox::Yes | QMessageBox::No,
                                  QMessageBox::No)
         == QMessageBox::Yes;
+}
+
+bool cRouteSelector::openRecovered(const QString& autosave, const QString& projectFile)
+{
+    if (!projectManager->openProject(autosave)) {
+        setError(true, tr("Project has some errors, failed to open."));
+        return false;
+    }
+    setError(false);
+    fileName = projectFile;
+    emit fileNameChanged(fileName);
+    return true;
 }
 
 void cRouteSelector::saveProject()
@@ -420,6 +445,8 @@ void cRouteSelector::saveRoute()
     scriptDir.mkdir(QStringLiteral("route"));
     scriptDir.cd(QStringLiteral("route"));
     soundFiles.clear();
+    failedFiles.clear();
+    writesFailed = false;
     for (const QListWidgetItem* item : selected) {
         const cRoute* route = findRoute(item);
         if (!route)
@@ -430,12 +457,10 @@ void cRouteSelector::saveRoute()
             qDebug().noquote() << "File was not opened:" << path;
             QMessageBox::critical(this, tr("Error"), tr("Failed to save route, file wasn't opened."),
                                   QMessageBox::Ok);
-        } else {
-            QTextStream stream(&file);
-            stream << routeScript(*route);
-            stream.flush();
-            file.flush();
-            file.close();
+        } else if (!writeScript(file, routeScript(*route))) {
+            qDebug().noquote() << "File was not written whole:" << path;
+            failedFiles << path;
+            writesFailed = true;
         }
         soundFiles << routeSounds(*route);
     }
@@ -448,8 +473,11 @@ void cRouteSelector::saveRoute()
     soundDir.mkdir(QStringLiteral("voskdev"));
     soundDir.cd(QStringLiteral("voskdev"));
     converter->setOutputDir(soundDir.absolutePath());
-    if (soundFiles.isEmpty())
+    if (soundFiles.isEmpty()) {
+        if (writesFailed)
+            showFailedFiles();
         return;
+    }
 
     // Right after the dialog closes the platform may not have handed
     // activation back yet.
@@ -457,7 +485,6 @@ void cRouteSelector::saveRoute()
     if (!blockedWindow || !blockedWindow->isVisible())
         blockedWindow = window();
     blockedWindow->setEnabled(false);
-    failedFiles.clear();
     progress->start(soundFiles);
     converter->convert(soundFiles);
 }
@@ -469,9 +496,14 @@ void cRouteSelector::convertFinished(bool ok)
     if (target)
         target->setEnabled(true);
     blockedWindow.clear();
-    if (ok)
-        return;
-    qDebug() << "Error converting sound files";
+    if (!ok)
+        qDebug() << "Error converting sound files";
+    if (!ok || writesFailed)
+        showFailedFiles();
+}
+
+void cRouteSelector::showFailedFiles()
+{
     cErrorDialog dialog(this);
     dialog.setFiles(failedFiles);
     dialog.exec();

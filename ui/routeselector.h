@@ -35,6 +35,9 @@ public:
     void selectRoute(const QUuid& id);
     // The folder the export last wrote into, or was told to.
     QString exportFolder() const;
+    // Opens an autosave in place of the project. The work belongs to
+    // `projectFile` (empty for a project never saved), which Save writes.
+    bool openRecovered(const QString& autosave, const QString& projectFile);
 
 signals:
     void routeChanged(const QUuid& id);
@@ -70,6 +73,7 @@ private:
     void importRoute(ImportKind kind);
     void openProjectFile(const QString& path);
     void setError(bool error, const QString& message = QString());
+    void showFailedFiles();
     QString askProjectFile(bool forSaving);
     bool confirmUnsafeTexts();
     QListWidgetItem* itemFor(const QUuid& id) const;
@@ -85,6 +89,9 @@ private:
     cSaveDialog* saveDialog;
     QStringList soundFiles;
     QStringList failedFiles;
+    // Scripts or sounds that reached the disk only in part; they are listed
+    // even when every sound could be decoded.
+    bool writesFailed = false;
     QString fileName;
     cConvertProgress* progress;
     // The window disabled while sounds convert; it is enabled again even if

@@ -12,6 +12,7 @@
 #include <QDoubleValidator>
 #include <QEvent>
 #include <QLabel>
+#include <QLocale>
 #include <QMenu>
 #include <QStandardItemModel>
 #include <QVBoxLayout>
@@ -26,9 +27,37 @@ QUuid idOf(const QModelIndex& index)
     return index.data(Qt::UserRole).value<QUuid>();
 }
 
+// Coordinates are shown by QString::number and read by QString::toDouble,
+// both with a decimal point whatever the system's locale; typing follows
+// them, and a comma typed out of habit becomes a point.
 QString coordinateText(double degrees)
 {
     return QString::number(degrees, 'g', 8);
+}
+
+class cCoordinateValidator : public QDoubleValidator
+{
+public:
+    explicit cCoordinateValidator(QObject* parent)
+        : QDoubleValidator(parent)
+    {
+        QLocale c = QLocale::c();
+        c.setNumberOptions(QLocale::RejectGroupSeparator);
+        setLocale(c);
+    }
+
+    State validate(QString& input, int& pos) const override
+    {
+        input.replace(QLatin1Char(','), QLatin1Char('.'));
+        return QDoubleValidator::validate(input, pos);
+    }
+};
+
+// Refilling the form must not move the caret of the field being typed in.
+void showText(QLineEdit* edit, const QString& text)
+{
+    if (edit->text() != text)
+        edit->setText(text);
 }
 
 } // namespace
@@ -39,7 +68,7 @@ cStopEditor::cStopEditor(cProjectManager* manager, QWidget* parent)
     , projectManager(manager)
 {
     ui->setupUi(this);
-    auto* validator = new QDoubleValidator(this);
+    auto* validator = new cCoordinateValidator(this);
     ui->latEdit->setValidator(validator);
     ui->lonEdit->setValidator(validator);
 
@@ -53,6 +82,9 @@ cStopEditor::cStopEditor(cProjectManager* manager, QWidget* parent)
     connect(ui->upStopBtn, &QToolButton::clicked, this, &cStopEditor::upStop);
     connect(ui->downStopBtn, &QToolButton::clicked, this, &cStopEditor::downStop);
     connect(mapViewer, &cMapViewer::ok, this, &cStopEditor::mapOk);
+    connect(ui->radiusEdit, QOverload<int>::of(&QSpinBox::valueChanged), mapViewer, &cMapViewer::setZoneRadius);
+    // Any write of the stop takes the coordinates as the fields show them.
+    connect(this, &cStopEditor::stopChanged, this, [this] { setCentrePending(false); });
     connect(ui->isReverse, &QSlider::valueChanged, this, &cStopEditor::routeDirectionChanged);
 
     directModel = new QStandardItemModel(this);
@@ -287,28 +319,33 @@ void cStopEditor::itemClicked(const QModelIndex& index)
         reverseIndex = index;
     else
         directIndex = index;
-    clearEditors();
-
     if (const cStop* stop = stopOf(index)) {
         qDebug() << "Clicked stop:" << stop->id;
-        ui->stopNameEdit->setText(stop->name);
-        ui->stopFullNameEdit->setText(stop->full_name);
+        showText(ui->stopNameEdit, stop->name);
+        showText(ui->stopFullNameEdit, stop->full_name);
         ui->isKeyStop->setChecked(stop->is_key_stop);
-        ui->lonEdit->setText(coordinateText(stop->lon));
-        ui->latEdit->setText(coordinateText(stop->lat));
+        showText(ui->lonEdit, coordinateText(stop->lon));
+        showText(ui->latEdit, coordinateText(stop->lat));
         ui->radiusEdit->setValue(stop->radius);
         ui->courseEnabled->setChecked(stop->course_enabled);
         courseEnable(stop->course_enabled);
         ui->courseEdit->setValue(stop->course_value);
         ui->diffEdit->setValue(stop->course_diff);
         stopSound->setSoundFile(stop->sound);
-        for (int i = 0; i < otherSoundCount && i < stop->other_sounds.size(); ++i)
-            otherSounds[i]->setSoundFile(stop->other_sounds[i]);
-        ui->otherTextEdit->setText(stop->other_text);
+        for (int i = 0; i < otherSoundCount; ++i)
+            otherSounds[i]->setSoundFile(stop->other_sounds.value(i));
+        showText(ui->otherTextEdit, stop->other_text);
+    } else {
+        clearEditors();
     }
 
     ui->upStopBtn->setEnabled(index.row() > 0);
     ui->downStopBtn->setEnabled(index.row() < shownModel()->rowCount() - 1);
+
+    // An open map follows the list, so that its OK never lands on another stop.
+    const cStop* shown = stopOf(index);
+    if (mapViewer->isVisible() && shown && shown->id != mapViewer->editedStop())
+        showMap();
 }
 
 void cStopEditor::clearEditors()
@@ -321,6 +358,7 @@ void cStopEditor::clearEditors()
     ui->courseEnabled->setChecked(false);
     ui->isKeyStop->setChecked(false);
     courseEnable(false);
+    setCentrePending(false);
 }
 
 void cStopEditor::stopEdited()
@@ -329,14 +367,11 @@ void cStopEditor::stopEdited()
     cStop* stop = stopOf(current);
     if (!stop)
         return;
-    // The id is kept aside: renaming the item may refill the form from the
-    // records, but never moves the stop.
+    // The whole form is written before the list learns the name: a changed
+    // name refills the form from the record, which must hold the form by
+    // then (a centre just taken from the map, say).
     const QUuid id = stop->id;
     stop->name = ui->stopNameEdit->text();
-    shownModel()->setData(current, stop->name, Qt::DisplayRole);
-    stop = stopOf(current);
-    if (!stop)
-        return;
     stop->full_name = ui->stopFullNameEdit->text();
     stop->is_key_stop = ui->isKeyStop->isChecked();
     stop->lon = ui->lonEdit->text().toDouble();
@@ -350,6 +385,7 @@ void cStopEditor::stopEdited()
     for (const cSoundSelector* field : qAsConst(otherSounds))
         stop->other_sounds << field->soundFile();
     stop->other_text = ui->otherTextEdit->text();
+    shownModel()->setData(current, stop->name, Qt::DisplayRole);
     emit stopChanged(id);
     qDebug() << "Stop edited:" << id;
 }
@@ -395,6 +431,7 @@ void cStopEditor::addStop()
     ui->stopList->setCurrentIndex(index);
     itemClicked(index);
     qDebug() << "Stop added:" << stop.id;
+    emit branchChanged(routeId);
 }
 
 void cStopEditor::delStop()
@@ -413,6 +450,7 @@ void cStopEditor::delStop()
         clearEditors();
     else
         itemClicked(ui->stopList->currentIndex());
+    emit branchChanged(routeId);
 }
 
 void cStopEditor::upStop()
@@ -451,15 +489,18 @@ void cStopEditor::moveCurrentStop(int offset)
     const QModelIndex moved = model->index(row + offset, 0);
     ui->stopList->setCurrentIndex(moved);
     itemClicked(moved);
+    emit branchChanged(routeId);
 }
 
 void cStopEditor::branchEdited()
 {
-    if (cBranch* branch = shownBranch()) {
-        branch->first = firstNameEdit->text();
-        branch->last = lastNameEdit->text();
-    }
+    cBranch* branch = shownBranch();
+    if (!branch)
+        return;
+    branch->first = firstNameEdit->text();
+    branch->last = lastNameEdit->text();
     qDebug() << "Branch edited";
+    emit branchChanged(routeId);
 }
 
 void cStopEditor::stopListContextMenu(const QPoint& p)
@@ -476,6 +517,7 @@ void cStopEditor::courseEnable(bool en)
 
 void cStopEditor::showMap()
 {
+    mapViewer->setRoute(shownRoute(), showsReverse(), idOf(ui->stopList->currentIndex()));
     if (!ui->latEdit->text().isEmpty() && !ui->lonEdit->text().isEmpty()) {
         mapViewer->showCoordinate(QPointF(ui->lonEdit->text().toDouble(), ui->latEdit->text().toDouble()), true);
         if (ui->courseEnabled->isChecked())
@@ -489,12 +531,27 @@ void cStopEditor::mapOk()
     const QPointF where = mapViewer->coordinate(nullptr);
     ui->lonEdit->setText(coordinateText(where.x()));
     ui->latEdit->setText(coordinateText(where.y()));
+    const cStop* stop = stopOf(ui->stopList->currentIndex());
+    setCentrePending(stop
+                     && (ui->lonEdit->text() != coordinateText(stop->lon)
+                         || ui->latEdit->text() != coordinateText(stop->lat)));
     int value = 0;
     int diff = 0;
     if (mapViewer->course(&value, &diff)) {
         ui->courseEdit->setValue(value);
         ui->diffEdit->setValue(diff);
         mapViewer->clearCourse();
+    }
+}
+
+// A centre picked on the map reaches the stop only with its next write;
+// until then the fields say so.
+void cStopEditor::setCentrePending(bool pending)
+{
+    const QString amberFrame = QStringLiteral("QLineEdit { border: 2px solid #e69500; padding: 1px; }");
+    for (QLineEdit* edit : {ui->lonEdit, ui->latEdit}) {
+        edit->setStyleSheet(pending ? amberFrame : QString());
+        edit->setToolTip(pending ? tr("Not applied yet: the next edit of this stop writes it") : QString());
     }
 }
 

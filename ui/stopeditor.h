@@ -39,6 +39,9 @@ public:
 
 signals:
     void stopChanged(const QUuid& id);
+    // Stops of the shown route were added, deleted or moved, or a branch's
+    // alternate names edited; none of these is a stop's change.
+    void branchChanged(const QUuid& routeId);
 
 public slots:
     void clear(bool clearRoute);
@@ -76,6 +79,7 @@ private:
     QStandardItemModel* shownModel() const;
     cStop* stopOf(const QModelIndex& index) const;
     void moveCurrentStop(int offset);
+    void setCentrePending(bool pending);
     static QStandardItem* makeItem(const QString& name, const QUuid& id);
 
     Ui::cStopEditor* ui;

@@ -165,6 +165,53 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     </message>
 </context>
 <context>
+    <name>cGpxReader</name>
+    <message>
+        <source>Line %1: the file ends before the GPX document is complete</source>
+        <translation>Строка %1: файл кончается раньше, чем документ GPX</translation>
+    </message>
+    <message>
+        <source>Line %1: the XML is not well-formed: %2</source>
+        <translation>Строка %1: ошибка в XML: %2</translation>
+    </message>
+    <message>
+        <source>Line %1: this is not a GPX file, its first element is &lt;%2&gt;</source>
+        <translation>Строка %1: это не файл GPX, его первый элемент — &lt;%2&gt;</translation>
+    </message>
+    <message>
+        <source>Line %1: unknown GPX namespace &quot;%2&quot;; GPX 1.0 and 1.1 can be read</source>
+        <translation>Строка %1: неизвестное пространство имён GPX «%2»; читаются GPX 1.0 и 1.1</translation>
+    </message>
+    <message>
+        <source>Track %1</source>
+        <translation>Трек %1</translation>
+    </message>
+    <message>
+        <source>Route %1</source>
+        <translation>Маршрут %1</translation>
+    </message>
+    <message>
+        <source>The file has no track or route points</source>
+        <translation>В файле нет точек трека или маршрута</translation>
+    </message>
+    <message>
+        <source>Line %1: cannot read the time &quot;%2&quot;</source>
+        <translation>Строка %1: не удаётся прочитать время «%2»</translation>
+    </message>
+    <message>
+        <source>Line %1: a point without &quot;%2&quot;</source>
+        <translation>Строка %1: точка без «%2»</translation>
+    </message>
+    <message>
+        <source>Line %1: %2 &quot;%3&quot; is not a number</source>
+        <translation>Строка %1: %2 «%3» — не число</translation>
+    </message>
+    <message>
+        <source>Line %1: %2 %3 is outside -%4 to %4</source>
+        <translation>Строка %1: %2 %3 вне пределов от -%4 до %4</translation>
+    </message>
+</context>
+<context>
     <name>cGtfsFeed</name>
     <message>
         <source>the column %1 is missing.</source>
@@ -268,6 +315,22 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <translation>В проекте есть несохранённые изменения. Выйти?</translation>
     </message>
     <message>
+        <source>&amp;File</source>
+        <translation>&amp;Файл</translation>
+    </message>
+    <message>
+        <source>Recover unsaved work…</source>
+        <translation>Восстановить несохранённую работу…</translation>
+    </message>
+    <message>
+        <source>Recover unsaved work</source>
+        <translation>Восстановление несохранённой работы</translation>
+    </message>
+    <message>
+        <source>There is no unsaved work to recover.</source>
+        <translation>Несохранённой работы для восстановления нет.</translation>
+    </message>
+    <message>
         <source>Check project</source>
         <translation>Проверить проект</translation>
     </message>
@@ -278,6 +341,10 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>Check</source>
         <translation>Проверка</translation>
+    </message>
+    <message>
+        <source>&amp;Tools</source>
+        <translation>&amp;Сервис</translation>
     </message>
 </context>
 <context>
@@ -322,6 +389,40 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>Critical error when creating map. Please try again.</source>
         <translation>Критическая ошибка при создании карты. Попробуйте ещё раз.</translation>
     </message>
+    <message>
+        <source>%1. %2
+Longitude %3, latitude %4</source>
+        <translation>%1. %2
+Долгота %3, широта %4</translation>
+    </message>
+    <message>
+        <source>Other branch</source>
+        <translation>Другое направление</translation>
+    </message>
+    <message>
+        <source>Show the route&apos;s other branch too</source>
+        <translation>Показать и другое направление маршрута</translation>
+    </message>
+    <message>
+        <source>Whole route</source>
+        <translation>Весь маршрут</translation>
+    </message>
+    <message>
+        <source>Show whole route (F)</source>
+        <translation>Показать весь маршрут (F)</translation>
+    </message>
+    <message>
+        <source>Offline map (MBTiles)…</source>
+        <translation>Офлайн-карта (MBTiles)…</translation>
+    </message>
+    <message>
+        <source>Offline map</source>
+        <translation>Офлайн-карта</translation>
+    </message>
+    <message>
+        <source>MBTiles files (*.mbtiles);;All files (*)</source>
+        <translation>Файлы MBTiles (*.mbtiles);;Все файлы (*)</translation>
+    </message>
 </context>
 <context>
     <name>cNetworkSettingsDialog</name>
@@ -365,17 +466,72 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>Cancel</source>
         <translation>Отмена</translation>
     </message>
+    <message>
+        <source>Extra tile sources</source>
+        <translation>Дополнительные источники тайлов</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Название</translation>
+    </message>
+    <message>
+        <source>URL template</source>
+        <translation>Шаблон URL</translation>
+    </message>
+    <message>
+        <source>Sub-domains</source>
+        <translation>Поддомены</translation>
+    </message>
+    <message>
+        <source>API key</source>
+        <translation>Ключ API</translation>
+    </message>
+    <message>
+        <source>Max zoom</source>
+        <translation>Макс. масштаб</translation>
+    </message>
+    <message>
+        <source>Attribution</source>
+        <translation>Указание авторства</translation>
+    </message>
+    <message>
+        <source>In the URL {z}, {x} and {y}, or {q} (Bing quadkey), address the tile; {s} takes one of the sub-domains (a,b,c) and {key} the API key.</source>
+        <translation>В URL тайл задают {z}, {x} и {y} или {q} (quadkey Bing); вместо {s} подставляется один из поддоменов (a,b,c), вместо {key} — ключ API.</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Добавить</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>its name is used twice</source>
+        <translation>его название уже занято</translation>
+    </message>
+    <message>
+        <source>Tile source %1 cannot be used: %2.</source>
+        <translation>Источник тайлов %1 нельзя использовать: %2.</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+</context>
+<context>
+    <name>cNmeaReader</name>
+    <message>
+        <source>Log part %1</source>
+        <translation>Часть журнала %1</translation>
+    </message>
+    <message>
+        <source>The log has no valid RMC or GGA fix. Sentences without a fix: %1; damaged or malformed: %2.</source>
+        <translation>В журнале нет ни одного действительного местоположения RMC или GGA. Предложений без местоположения: %1; повреждённых или искажённых: %2.</translation>
+    </message>
 </context>
 <context>
     <name>cPlayer</name>
-    <message>
-        <source>Error in setting sound device (param)</source>
-        <translation>Ошибка выбора звукового устройства (параметр)</translation>
-    </message>
-    <message>
-        <source>Error in setting sound device (convert)</source>
-        <translation>Ошибка выбора звукового устройства (номер)</translation>
-    </message>
     <message>
         <source>BASS is using device:</source>
         <translation>BASS использует устройство:</translation>
@@ -479,6 +635,80 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>. Last</source>
         <translation>. Конечная</translation>
+    </message>
+</context>
+<context>
+    <name>cRecoveryDialog</name>
+    <message>
+        <source>Recover unsaved work</source>
+        <translation>Восстановление несохранённой работы</translation>
+    </message>
+    <message>
+        <source>These projects have changes that were never saved. Open one to go on with it, then save it to keep it.</source>
+        <translation>В этих проектах есть изменения, которые не были сохранены. Откройте проект, чтобы продолжить работу с ним, и сохраните его, чтобы не потерять изменения.</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Время</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Файл</translation>
+    </message>
+    <message>
+        <source>Routes</source>
+        <translation>Маршруты</translation>
+    </message>
+    <message>
+        <source>Stops</source>
+        <translation>Остановки</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Открыть</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>(never saved)</source>
+        <translation>(не сохранялся)</translation>
+    </message>
+    <message>
+        <source>Discard this unsaved work? It cannot be recovered afterwards.</source>
+        <translation>Удалить эту несохранённую работу? Восстановить её потом будет нельзя.</translation>
+    </message>
+</context>
+<context>
+    <name>cReplay</name>
+    <message>
+        <source>announced before stop %1, %2</source>
+        <translation>объявлена раньше остановки %1, %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>announced %n times on one pass</source>
+        <translation>
+            <numerusform>объявлена %n раз за один проезд</numerusform>
+            <numerusform>объявлена %n раза за один проезд</numerusform>
+            <numerusform>объявлена %n раз за один проезд</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>never inside the zone (closest %1 m, radius %2 m)</source>
+        <translation>ни разу не в зоне (ближе всего %1 м, радиус %2 м)</translation>
+    </message>
+    <message>
+        <source>inside the zone, heading %1° outside %2° ± %3°</source>
+        <translation>в зоне, но курс %1° вне %2° ± %3°</translation>
+    </message>
+    <message>
+        <source>inside the zone, but the heading is unknown: the vehicle had not yet moved 5 m</source>
+        <translation>в зоне, но курс неизвестен: машина ещё не сдвинулась на 5 м</translation>
     </message>
 </context>
 <context>
@@ -968,6 +1198,10 @@ Save anyway?</source>
         <source>New stop</source>
         <translation>Новая остановка</translation>
     </message>
+    <message>
+        <source>Not applied yet: the next edit of this stop writes it</source>
+        <translation>Ещё не применено: запишется при следующем изменении этой остановки</translation>
+    </message>
 </context>
 <context>
     <name>cTextRules</name>
@@ -1052,6 +1286,10 @@ Save anyway?</source>
         <translation>знак процента с цифрой после него</translation>
     </message>
     <message>
+        <source>This text holds %1: the device script and the project file would read it back differently.</source>
+        <translation>В тексте есть %1: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
+    </message>
+    <message>
         <source>spaces at the start or end</source>
         <translation>пробелы в начале или в конце</translation>
     </message>
@@ -1067,9 +1305,47 @@ Save anyway?</source>
         <source>The %1 &quot;%2&quot; holds %3: the device script and the project file would read it back differently.</source>
         <translation>В поле «%1» («%2») есть %3: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
     </message>
+</context>
+<context>
+    <name>cTileSource</name>
     <message>
-        <source>This text holds %1: the device script and the project file would read it back differently.</source>
-        <translation>В тексте есть %1: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
+        <source>it has no name</source>
+        <translation>у него нет названия</translation>
+    </message>
+    <message>
+        <source>its URL does not start with http:// or https://</source>
+        <translation>его URL не начинается с http:// или https://</translation>
+    </message>
+    <message>
+        <source>its URL needs {z}, {x} and {y}, or {q}</source>
+        <translation>в его URL нужны {z}, {x} и {y} или {q}</translation>
+    </message>
+    <message>
+        <source>its URL has {s} but no sub-domains are given</source>
+        <translation>в его URL есть {s}, но поддомены не указаны</translation>
+    </message>
+    <message>
+        <source>its maximum zoom is not a number from 0 to 19</source>
+        <translation>его максимальный масштаб — не число от 0 до 19</translation>
+    </message>
+</context>
+<context>
+    <name>cTrackReader</name>
+    <message>
+        <source>Cannot open %1: %2</source>
+        <translation>Не удаётся открыть %1: %2</translation>
+    </message>
+    <message>
+        <source>The file is empty</source>
+        <translation>Файл пуст</translation>
+    </message>
+    <message>
+        <source>This is neither a GPX file nor an NMEA 0183 log</source>
+        <translation>Это не файл GPX и не журнал NMEA 0183</translation>
+    </message>
+    <message>
+        <source>Line %1: this point of &quot;%2&quot; has no time, but others have one</source>
+        <translation>Строка %1: у этой точки «%2» нет времени, а у других точек есть</translation>
     </message>
 </context>
 <context>
@@ -1084,6 +1360,37 @@ Save anyway?</source>
     </message>
 </context>
 <context>
+    <name>qmapcontrol::MBTilesReader</name>
+    <message>
+        <source>not an SQLite database</source>
+        <translation>это не база данных SQLite</translation>
+    </message>
+    <message>
+        <source>locked by another program</source>
+        <translation>файл заблокирован другой программой</translation>
+    </message>
+    <message>
+        <source>no table of tiles: not an MBTiles file</source>
+        <translation>нет таблицы тайлов: это не файл MBTiles</translation>
+    </message>
+    <message>
+        <source>Offline map cannot be read: %1 (%2)</source>
+        <translation>Офлайн-карту не удаётся прочитать: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>the file does not exist</source>
+        <translation>файл не существует</translation>
+    </message>
+    <message>
+        <source>its tiles are of the format &quot;%1&quot;, which cannot be shown</source>
+        <translation>её тайлы в формате «%1», который не отображается</translation>
+    </message>
+    <message>
+        <source>it holds no tiles</source>
+        <translation>в ней нет тайлов</translation>
+    </message>
+</context>
+<context>
     <name>qmapcontrol::MapControl</name>
     <message>
         <source>%1 km</source>
@@ -1092,6 +1399,69 @@ Save anyway?</source>
     <message>
         <source>%1 m</source>
         <translation>%1 м</translation>
+    </message>
+    <message>
+        <source>Zoom in to see this map</source>
+        <translation>Увеличьте масштаб, чтобы увидеть эту карту</translation>
+    </message>
+    <message>
+        <source>No tiles here: this area lies outside the map</source>
+        <translation>Здесь нет тайлов: эта область за пределами карты</translation>
+    </message>
+</context>
+<context>
+    <name>qmapcontrol::TileLoader</name>
+    <message>
+        <source>connection refused</source>
+        <translation>соединение отклонено</translation>
+    </message>
+    <message>
+        <source>connection closed by the server</source>
+        <translation>сервер закрыл соединение</translation>
+    </message>
+    <message>
+        <source>server not found</source>
+        <translation>сервер не найден</translation>
+    </message>
+    <message>
+        <source>no answer in time</source>
+        <translation>нет ответа вовремя</translation>
+    </message>
+    <message>
+        <source>the proxy refuses the connection</source>
+        <translation>прокси-сервер отклоняет соединение</translation>
+    </message>
+    <message>
+        <source>the proxy asks for a user name and password</source>
+        <translation>прокси-сервер требует имя пользователя и пароль</translation>
+    </message>
+    <message>
+        <source>secure connection failed</source>
+        <translation>не удалось установить защищённое соединение</translation>
+    </message>
+    <message>
+        <source>Map tiles cannot be loaded: %1 (%2)</source>
+        <translation>Тайлы карты не загружаются: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>too many requests</source>
+        <translation>слишком много запросов</translation>
+    </message>
+    <message>
+        <source>service unavailable</source>
+        <translation>сервис недоступен</translation>
+    </message>
+    <message>
+        <source>access refused (HTTP %1)</source>
+        <translation>доступ запрещён (HTTP %1)</translation>
+    </message>
+    <message>
+        <source>server error (HTTP %1)</source>
+        <translation>ошибка сервера (HTTP %1)</translation>
+    </message>
+    <message>
+        <source>the server sends no pictures</source>
+        <translation>сервер присылает не изображения</translation>
     </message>
 </context>
 </TS>
