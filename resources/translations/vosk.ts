@@ -27,28 +27,6 @@
 <context>
     <name>cCli</name>
     <message>
-        <source>Usage: voskantor-cli COMMAND [options] ARGUMENTS
-Checks, describes and exports Voskantor projects without a window.
-
-Commands:
-</source>
-        <translation>Использование: voskantor-cli КОМАНДА [параметры] АРГУМЕНТЫ
-Проверяет, описывает и выгружает проекты Voskantor без окна.
-
-Команды:
-</translation>
-    </message>
-    <message>
-        <source>
-voskantor-cli COMMAND --help describes a command&apos;s options.
-Exit codes: 0 done, 1 problems found or the export failed, 2 wrong arguments or an unreadable project.
-</source>
-        <translation>
-voskantor-cli КОМАНДА --help описывает параметры команды.
-Коды выхода: 0 — готово, 1 — найдены ошибки или выгрузка не удалась, 2 — неверные аргументы или проект не читается.
-</translation>
-    </message>
-    <message>
         <source>Unknown command &quot;%1&quot;.</source>
         <translation>Неизвестная команда «%1».</translation>
     </message>
@@ -87,6 +65,28 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>The format is text or json, not &quot;%1&quot;.</source>
         <translation>Формат — text или json, а не «%1».</translation>
+    </message>
+    <message>
+        <source>Usage: voskantor-cli COMMAND [options] ARGUMENTS
+Checks, describes and exports Voskantor projects and imports routes into them, without a window.
+
+Commands:
+</source>
+        <translation>Использование: voskantor-cli КОМАНДА [параметры] АРГУМЕНТЫ
+Проверяет, описывает и выгружает проекты Voskantor и импортирует в них маршруты, без окна.
+
+Команды:
+</translation>
+    </message>
+    <message>
+        <source>
+voskantor-cli COMMAND --help describes a command&apos;s options.
+Exit codes: 0 done, 1 problems found, the export failed or a route is not in the feed, 2 wrong arguments or an unreadable project or feed.
+</source>
+        <translation>
+voskantor-cli КОМАНДА --help описывает параметры команды.
+Коды выхода: 0 — готово, 1 — найдены ошибки, выгрузка не удалась или маршрута нет в фиде, 2 — неверные аргументы, проект или фид не читается.
+</translation>
     </message>
 </context>
 <context>
@@ -436,6 +436,61 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>The stops of route %1 have not been read from the feed.</source>
         <translation>Остановки маршрута %1 не прочитаны из фида.</translation>
+    </message>
+</context>
+<context>
+    <name>cImportGtfsCommand</name>
+    <message>
+        <source>Adds routes of a GTFS timetable feed to a project, creating the project if it does not exist.</source>
+        <translation>Добавляет в проект маршруты из фида расписания GTFS; если проекта нет, создаёт его.</translation>
+    </message>
+    <message>
+        <source>The feed: a zip file or an unpacked folder.</source>
+        <translation>Фид: zip-файл или распакованная папка.</translation>
+    </message>
+    <message>
+        <source>The project file (.vosk) the routes are added to.</source>
+        <translation>Файл проекта (.vosk), в который добавляются маршруты.</translation>
+    </message>
+    <message>
+        <source>Only the feed&apos;s route with this route_id or short name; may be given more than once. Every route of the feed without it.</source>
+        <translation>Только маршрут фида с этим route_id или кратким названием; можно указать несколько раз. Без параметра — все маршруты фида.</translation>
+    </message>
+    <message>
+        <source>ID</source>
+        <translation>ID</translation>
+    </message>
+    <message>
+        <source>Give every stop a course along the route, with this deviation in degrees (1 to 360).</source>
+        <translation>Задать каждой остановке курс вдоль маршрута с этим отклонением в градусах (от 1 до 360).</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+    <message>
+        <source>Cannot write the project %1.</source>
+        <translation>Не удалось записать проект %1.</translation>
+    </message>
+    <message>
+        <source>Added %1 [%2]: %3 direct and %4 reverse stops</source>
+        <translation>Добавлен %1 [%2]: остановок в прямом направлении — %3, в обратном — %4</translation>
+    </message>
+    <message>
+        <source>Routes in the project: %1. Saved %2.</source>
+        <translation>Маршрутов в проекте: %1. Сохранено в %2.</translation>
+    </message>
+    <message>
+        <source>The course deviation is a whole number of degrees from 1 to 360, not &quot;%1&quot;.</source>
+        <translation>Отклонение курса — целое число градусов от 1 до 360, а не «%1».</translation>
+    </message>
+    <message>
+        <source>The feed has no route with the id or short name &quot;%1&quot;.</source>
+        <translation>В фиде нет маршрута с id или кратким названием «%1».</translation>
+    </message>
+    <message>
+        <source>Cannot read the GTFS feed %1: %2</source>
+        <translation>Не удалось прочитать фид GTFS %1: %2</translation>
     </message>
 </context>
 <context>
