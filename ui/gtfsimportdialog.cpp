@@ -8,8 +8,10 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QAbstractItemView>
 #include <QHeaderView>
 #include <QMessageBox>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSignalBlocker>
 
@@ -86,7 +88,7 @@ cGtfsImportDialog::cGtfsImportDialog(QWidget* parent)
     // Long names take what the other columns leave; the full name is in the tool-tip.
     ui->routeTree->header()->setStretchLastSection(false);
     ui->routeTree->header()->setSectionResizeMode(LongNameColumn, QHeaderView::Stretch);
-    ui->splitter->setSizes({width() * 11 / 20, width() * 9 / 20});
+    ui->splitter->setSizes({width() / 2, width() / 2});
     connect(ui->zipButton, &QPushButton::clicked, this, &cGtfsImportDialog::chooseZip);
     connect(ui->folderButton, &QPushButton::clicked, this, &cGtfsImportDialog::chooseFolder);
     connect(ui->filterEdit, &QLineEdit::textChanged, this, &cGtfsImportDialog::filterRoutes);
@@ -282,6 +284,9 @@ void cGtfsImportDialog::fillBranch(QComboBox* combo, QListWidget* stopList, int 
     for (int i = 0; i < patterns.size(); ++i)
         combo->addItem(patternText(patterns.at(i)), i);
     combo->setCurrentIndex(combo->findData(chosen));
+    // The box is narrower than its texts; the list that drops down is not.
+    QAbstractItemView* popup = combo->view();
+    popup->setMinimumWidth(popup->sizeHintForColumn(0) + popup->verticalScrollBar()->sizeHint().width());
     listStops(stopList, route, chosen);
 }
 
