@@ -22,6 +22,7 @@
 
 using namespace guisupport;
 using namespace gtfssupport;
+using testsupport::stopNames;
 
 namespace {
 
@@ -67,14 +68,6 @@ QStringList texts(const QListWidget* list)
     for (int row = 0; row < list->count(); ++row)
         result << list->item(row)->text();
     return result;
-}
-
-QStringList stopNames(const QList<cStop>& stops)
-{
-    QStringList names;
-    for (const cStop& stop : stops)
-        names << stop.name;
-    return names;
 }
 
 QStringList patternStops(const cGtfsFeed& feed, int route, int pattern, bool numbered)
