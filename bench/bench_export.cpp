@@ -60,6 +60,7 @@ int main(int argc, char** argv)
     QTemporaryDir dir;
     QDir root(dir.path());
     root.mkdir("src");
+    root.mkdir("out");
     const QString tone = root.filePath("tone.mp3");
     QProcess::execute("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=1", "-ar", "44100",
                                  "-ac", "2", "-b:a", "128k", tone});
@@ -118,5 +119,9 @@ int main(int argc, char** argv)
     std::printf("outside ffmpeg     %8.3f s  %6.1f %% (at most 10 %%)\n", outside, 100 * outside / total);
     std::printf("  check            %8.3f s  %6.1f %%\n", check, 100 * check / total);
     std::printf("  process starts   %8.3f s  %6.1f %%\n", start, 100 * start / total);
+    for (const QString& file : qAsConst(result.failedFiles))
+        std::printf("failed: %s\n", qPrintable(file));
+    for (const QString& difference : qAsConst(result.differences))
+        std::printf("%s\n", qPrintable(difference));
     return result.ok() && outside < 0.1 * total ? 0 : 1;
 }
