@@ -5,52 +5,22 @@
 
 #include "converter.h"
 #include "exportnames.h"
+#include "logmarks.h"
 #include "routecheck.h"
 #include "routeexport.h"
 #include "testsupport.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QEventLoop>
-#include <QMutex>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QVector>
 
 #include <cstdio>
 
 namespace {
 
 constexpr int stopCount = 50;
-
-QElapsedTimer runClock;
-QMutex marksMutex;
-QVector<QPair<qint64, QString>> marks;
-
-void markMessage(QtMsgType, const QMessageLogContext&, const QString& message)
-{
-    const qint64 now = runClock.nsecsElapsed();
-    QMutexLocker lock(&marksMutex);
-    marks.append({now, message.left(32)});
-}
-
-// Sum of the spans from each line starting with `from` to the next line
-// starting with `to`.
-double spanSeconds(const char* from, const char* to)
-{
-    qint64 sum = 0;
-    qint64 start = -1;
-    for (const auto& mark : qAsConst(marks)) {
-        if (mark.second.startsWith(QLatin1String(from)))
-            start = mark.first;
-        else if (start >= 0 && mark.second.startsWith(QLatin1String(to))) {
-            sum += mark.first - start;
-            start = -1;
-        }
-    }
-    return sum / 1e9;
-}
 
 } // namespace
 
@@ -95,21 +65,19 @@ int main(int argc, char** argv)
         loop.quit();
     });
 
-    qInstallMessageHandler(markMessage);
-    runClock.start();
+    logmarks::start();
     cCheckOptions options;
     options.converter = cConverter::program();
     options.outputDir = root.filePath("out");
     const QList<cProblem> problems = cRouteCheck::run({route}, options);
-    const double check = runClock.nsecsElapsed() / 1e9;
+    const double check = logmarks::elapsedSeconds();
     routeExport.start({cExportItem{route, scriptFileName(route)}}, root.filePath("out"));
     if (routeExport.isRunning())
         loop.exec();
-    const double total = runClock.nsecsElapsed() / 1e9;
-    qInstallMessageHandler(nullptr);
+    const double total = logmarks::stop();
 
-    const double ffmpeg = spanSeconds("Process started:", "STD Output:");
-    const double start = spanSeconds("Running ffmpeg with args:", "Process started:");
+    const double ffmpeg = logmarks::spanSeconds("Process started:", "STD Output:");
+    const double start = logmarks::spanSeconds("Running ffmpeg with args:", "Process started:");
     const double outside = total - ffmpeg;
     std::printf("exported one route of %d stops, %d sounds: %s, %d check errors\n", stopCount,
                 routeExport.sounds().size(), result.ok() ? "all read back as written" : "FAILED",
