@@ -115,8 +115,11 @@ private:
         *soundCount = routeExport.sounds().size();
         if (routeExport.isRunning())
             loop.exec();
-        if (terminal && done > 0)
-            context.err() << '\n';
+        // The progress line goes before the result is printed on stdout.
+        if (terminal && done > 0) {
+            context.err() << QStringLiteral("\r\033[K");
+            context.err().flush();
+        }
         return result;
     }
 };
