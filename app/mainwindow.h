@@ -7,13 +7,16 @@
 #include <QString>
 #include <QUuid>
 
+class QAction;
 class QTabWidget;
 class cAutosaver;
 struct cAutosaveEntry;
 class cProjectManager;
+class cReplayWindow;
 class cRouteEditor;
 class cRouteSelector;
 class cStopEditor;
+class cStopFixer;
 
 // The one main window: route selector dock on the left, editor tabs in the
 // centre, the unsaved-changes mark in the title, the autosave of the open
@@ -40,6 +43,7 @@ private slots:
     void changesDetectedSlot();
     void noChangesDetectedSlot();
     void projectFileNameChanged(const QString& fn);
+    void showReplay(const QUuid& routeId);
 
 private:
     void buildMenus();
@@ -54,6 +58,10 @@ private:
     cRouteEditor* routeEditor = nullptr;
     cStopEditor* stopEditor = nullptr;
     cAutosaver* autosaver = nullptr;
+    cStopFixer* stopFixer = nullptr;
+    cReplayWindow* replayWindow = nullptr;
+    QAction* replayAction = nullptr;
+    QUuid currentRouteId;
     bool modified = false;
     QString title;
     logger::cLogger logger;

@@ -135,6 +135,10 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     deleteAction = routeMenu->addAction(tr("Delete"));
     connect(addAction, &QAction::triggered, this, &cRouteSelector::addRoute);
     connect(deleteAction, &QAction::triggered, this, &cRouteSelector::routeDeleteRequest);
+    routeMenu->addSeparator();
+    replayAction = routeMenu->addAction(tr("Replay track…"));
+    replayAction->setObjectName(QStringLiteral("replayTrackAction"));
+    connect(replayAction, &QAction::triggered, this, [this] { emit replayRequested(menuRouteId); });
 
     auto* routeButtons = new QHBoxLayout;
     routeButtons->setSpacing(5);
@@ -350,6 +354,9 @@ void cRouteSelector::itemClicked(QListWidgetItem* item)
 void cRouteSelector::routeListContextMenu(const QPoint& p)
 {
     deleteAction->setEnabled(routeList->itemAt(p) != nullptr);
+    // The route under the pointer, which a right click need not select.
+    menuRouteId = itemId(routeList->itemAt(p));
+    replayAction->setEnabled(!menuRouteId.isNull());
     routeMenu->popup(routeList->viewport()->mapToGlobal(p));
 }
 

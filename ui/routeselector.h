@@ -41,6 +41,8 @@ signals:
     void routeAdded(const QUuid& id);
     void routeDeleted(const QUuid& id);
     void fileNameChanged(const QString& fileName);
+    // "Replay track…" was chosen for this route in the list's menu.
+    void replayRequested(const QUuid& routeId);
 
 public slots:
     void routeChangedSlot(const QUuid& id);
@@ -80,6 +82,8 @@ private:
     QMenu* routeMenu;
     QAction* addAction;
     QAction* deleteAction;
+    QAction* replayAction;
+    QUuid menuRouteId;
     cConverter* converter;
     cSaveDialog* saveDialog;
     QStringList soundFiles;
