@@ -56,15 +56,16 @@ void cVehicleMarker::draw(QPainter* painter, const MapAdapter* adapter, const QR
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(QPen(Qt::white, 2));
-    painter->setBrush(QColor(0, 0, 0));
+    painter->setBrush(QColor(13, 71, 161));
     painter->drawEllipse(at, radius, radius);
     if (!std::isnan(m_heading)) {
-        // Compass bearing: 0 up, clockwise.
+        // Compass bearing: 0 up, clockwise; the arrow stays inside the disc.
         painter->translate(at);
         painter->rotate(m_heading);
         QPolygonF arrow;
-        arrow << QPointF(0, -radius - 7) << QPointF(5, -3) << QPointF(0, -5) << QPointF(-5, -3);
-        painter->setPen(QPen(Qt::white, 1));
+        arrow << QPointF(0, -radius + 1) << QPointF(radius * 0.6, radius * 0.6) << QPointF(0, radius * 0.25)
+              << QPointF(-radius * 0.6, radius * 0.6);
+        painter->setPen(Qt::NoPen);
         painter->setBrush(Qt::white);
         painter->drawPolygon(arrow);
     }

@@ -34,7 +34,7 @@ private:
 class cVehicleMarker : public qmapcontrol::Curve
 {
 public:
-    static constexpr int radius = 8;
+    static constexpr int radius = 10;
 
     bool isPlaced() const { return m_placed; }
     QPointF coordinate() const { return m_coordinate; }
