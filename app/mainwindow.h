@@ -2,6 +2,7 @@
 #define VOSK_MAINWINDOW_H
 
 #include "logger.h"
+#include "problem.h"
 
 #include <QMainWindow>
 #include <QString>
@@ -11,6 +12,7 @@ class QAction;
 class QTabWidget;
 class cAutosaver;
 struct cAutosaveEntry;
+class cProblemsDock;
 class cProjectManager;
 class cReplayWindow;
 class cRouteEditor;
@@ -44,11 +46,15 @@ private slots:
     void noChangesDetectedSlot();
     void projectFileNameChanged(const QString& fn);
     void showReplay(const QUuid& routeId);
+    void checkProject();
+    void showProblems(const QList<cProblem>& problems);
+    void showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId);
 
 private:
     void buildMenus();
     void connectAutosave();
     void showRecovery(const QList<cAutosaveEntry>& entries);
+    void createCheckCommands();
     void restoreWindowSettings();
     void saveWindowSettings();
 
@@ -62,6 +68,8 @@ private:
     cReplayWindow* replayWindow = nullptr;
     QAction* replayAction = nullptr;
     QUuid currentRouteId;
+    cProblemsDock* problemsDock = nullptr;
+    QAction* checkAction = nullptr;
     bool modified = false;
     QString title;
     logger::cLogger logger;
