@@ -57,17 +57,6 @@ int severity(eStopStatus status)
     return 0;
 }
 
-QString statusText(eStopStatus status)
-{
-    switch (status) {
-    case eStopStatus::Announced: return cReplayWindow::tr("announced");
-    case eStopStatus::Missed: return cReplayWindow::tr("missed");
-    case eStopStatus::OutOfOrder: return cReplayWindow::tr("out of order");
-    case eStopStatus::Repeated: return cReplayWindow::tr("repeated");
-    }
-    return QString();
-}
-
 QString headingText(double heading)
 {
     return std::isnan(heading) ? QString() : cReplayWindow::tr("%1°").arg(qRound(heading) % 360);
@@ -155,7 +144,7 @@ void cReplayWindow::buildLegend()
         auto* mark = new QLabel(this);
         mark->setPixmap(swatch(statusColour(status)).pixmap(12, 12));
         ui->legendLayout->addWidget(mark);
-        ui->legendLayout->addWidget(new QLabel(statusText(status), this));
+        ui->legendLayout->addWidget(new QLabel(cReplay::statusText(status), this));
         ui->legendLayout->addSpacing(12);
     }
     ui->legendLayout->addStretch();
@@ -313,7 +302,7 @@ void cReplayWindow::fillTable()
         };
         set(StopColumn, QStringLiteral("%1. %2").arg(stop.stop + 1).arg(stop.name));
         set(PassColumn, QString::number(stop.pass + 1));
-        set(StatusColumn, statusText(stop.status))->setIcon(swatch(statusColour(stop.status)));
+        set(StatusColumn, cReplay::statusText(stop.status))->setIcon(swatch(statusColour(stop.status)));
         if (stop.time != cTrackPoint::noTime)
             set(TimeColumn, localTime(stop.time, QStringLiteral("HH:mm:ss")))
                 ->setToolTip(localTime(stop.time, QStringLiteral("yyyy-MM-dd HH:mm:ss")));
@@ -390,7 +379,7 @@ void cReplayWindow::showStops()
             mark.toolTip = QStringLiteral("%1. %2").arg(i + 1).arg(stop.name);
             if (const cStopReplay* row = worst.at(i)) {
                 mark.colour = statusColour(row->status);
-                mark.toolTip += QLatin1Char('\n') + statusText(row->status);
+                mark.toolTip += QLatin1Char('\n') + cReplay::statusText(row->status);
                 if (!row->reason.isEmpty())
                     mark.toolTip += QStringLiteral(": ") + row->reason;
             }
