@@ -126,7 +126,7 @@ private:
             QString line = result.passes > 1 ? tr("pass %1, ").arg(stop.pass + 1) : QString();
             line += QStringLiteral("%1. %2: %3").arg(stop.stop + 1).arg(stop.name, parts.join(QStringLiteral(", ")));
             if (!stop.reason.isEmpty())
-                line += QStringLiteral(" (%1)").arg(stop.reason);
+                line += QStringLiteral(" — %1").arg(stop.reason);
             out << QStringLiteral("  ") << line << '\n';
         }
         out << tr("Announced %1 of %2, missed %3, out of order %4, repeated %5.")

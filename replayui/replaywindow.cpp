@@ -45,18 +45,6 @@ QIcon swatch(const QColor& colour)
     return QIcon(pixmap);
 }
 
-// The worst first: the colour of a stop passed several times tells of its worst pass.
-int severity(eStopStatus status)
-{
-    switch (status) {
-    case eStopStatus::Missed: return 3;
-    case eStopStatus::OutOfOrder: return 2;
-    case eStopStatus::Repeated: return 1;
-    case eStopStatus::Announced: break;
-    }
-    return 0;
-}
-
 QString headingText(double heading)
 {
     return std::isnan(heading) ? QString() : cReplayWindow::tr("%1°").arg(qRound(heading) % 360);
@@ -359,14 +347,17 @@ void cReplayWindow::showStops()
     const cBranch* branch = shownBranch();
     QVector<RouteStop> shown;
     if (branch) {
-        QVector<const cStopReplay*> worst(branch->stops.size(), nullptr);
-        for (const cStopReplay& row : qAsConst(m_result.stops)) {
-            const cStopReplay*& kept = worst[row.stop];
-            if (!kept || severity(row.status) > severity(kept->status))
-                kept = &row;
-        }
+        // One pass at a time, the selected row's: a later partial pass, such
+        // as the drive back to the depot, must not paint over the first.
         const int currentRow = ui->stopTable->currentRow();
-        const int current = currentRow >= 0 && currentRow < m_result.stops.size() ? m_result.stops.at(currentRow).stop : -1;
+        const bool rowChosen = currentRow >= 0 && currentRow < m_result.stops.size();
+        const int current = rowChosen ? m_result.stops.at(currentRow).stop : -1;
+        const int pass = rowChosen ? m_result.stops.at(currentRow).pass : 0;
+        QVector<const cStopReplay*> shownRows(branch->stops.size(), nullptr);
+        for (const cStopReplay& row : qAsConst(m_result.stops)) {
+            if (row.pass == pass)
+                shownRows[row.stop] = &row;
+        }
         for (int i = 0; i < branch->stops.size(); ++i) {
             const cStop& stop = branch->stops.at(i);
             RouteStop mark;
@@ -377,9 +368,12 @@ void cReplayWindow::showStops()
             mark.label = QString::number(i + 1);
             mark.highlighted = i == current;
             mark.toolTip = QStringLiteral("%1. %2").arg(i + 1).arg(stop.name);
-            if (const cStopReplay* row = worst.at(i)) {
+            if (const cStopReplay* row = shownRows.at(i)) {
                 mark.colour = statusColour(row->status);
-                mark.toolTip += QLatin1Char('\n') + cReplay::statusText(row->status);
+                mark.toolTip += QLatin1Char('\n');
+                if (m_result.passes > 1)
+                    mark.toolTip += tr("Pass %1: ").arg(pass + 1);
+                mark.toolTip += cReplay::statusText(row->status);
                 if (!row->reason.isEmpty())
                     mark.toolTip += QStringLiteral(": ") + row->reason;
             }

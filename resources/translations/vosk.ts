@@ -1006,6 +1006,10 @@ Longitude %3, latitude %4</source>
         <source>point %1 of %2</source>
         <translation>точка %1 из %2</translation>
     </message>
+    <message>
+        <source>Pass %1: </source>
+        <translation>Проезд %1: </translation>
+    </message>
 </context>
 <context>
     <name>cRouteCheck</name>
