@@ -5,10 +5,12 @@
 #include "problemsdock.h"
 #include "projectmanager.h"
 #include "recoverydialog.h"
+#include "replaywindow.h"
 #include "routecheck.h"
 #include "routeeditor.h"
 #include "routeselector.h"
 #include "stopeditor.h"
+#include "stopfixer.h"
 #include "version.h"
 
 #include <QAction>
@@ -49,6 +51,11 @@ cMainWindow::cMainWindow(QWidget* parent)
     // A rename in the editor shows in the route list.
     connect(routeEditor, &cRouteEditor::routeChanged, routeSelector, &cRouteSelector::routeChangedSlot);
     stopEditor = new cStopEditor(projectManager, this);
+    // Fixes from a replay are stop writes like the editor's own.
+    stopFixer = new cStopFixer(projectManager, this);
+    connect(stopFixer, &cStopFixer::stopChanged, stopEditor, &cStopEditor::showStopChange);
+    connect(stopFixer, &cStopFixer::stopChanged, this, &cMainWindow::changesDetectedSlot);
+    connect(routeSelector, &cRouteSelector::replayRequested, this, &cMainWindow::showReplay);
 
     connect(routeSelector, &cRouteSelector::routeChanged, routeEditor, &cRouteEditor::routeChangedSlot);
     connect(routeSelector, &cRouteSelector::routeSelected, routeEditor, &cRouteEditor::routeSelected);
@@ -123,6 +130,13 @@ void cMainWindow::buildMenus()
     QAction* recover = fileMenu->addAction(tr("Recover unsaved work…"));
     recover->setObjectName(QStringLiteral("recoverAction"));
     connect(recover, &QAction::triggered, this, &cMainWindow::recoverUnsavedWork);
+
+    QMenu* routeMenu = menuBar()->addMenu(tr("&Route"));
+    routeMenu->setObjectName(QStringLiteral("routeMenu"));
+    replayAction = routeMenu->addAction(tr("Replay track…"), this, [this] { showReplay(currentRouteId); });
+    replayAction->setObjectName(QStringLiteral("replayMenuAction"));
+    replayAction->setEnabled(!currentRouteId.isNull());
+
     QMenu* toolsMenu = menuBar()->addMenu(tr("&Tools"));
     toolsMenu->setObjectName(QStringLiteral("toolsMenu"));
     toolsMenu->addAction(checkAction);
@@ -139,6 +153,7 @@ void cMainWindow::connectAutosave()
     connect(routeEditor, &cRouteEditor::routeChanged, autosaver, &cAutosaver::projectChanged);
     connect(stopEditor, &cStopEditor::stopChanged, autosaver, &cAutosaver::projectChanged);
     connect(stopEditor, &cStopEditor::branchChanged, autosaver, &cAutosaver::projectChanged);
+    connect(stopFixer, &cStopFixer::stopChanged, autosaver, &cAutosaver::projectChanged);
     connect(projectManager, &cProjectManager::projectOpened, autosaver, &cAutosaver::projectChanged);
     connect(routeSelector, &cRouteSelector::fileNameChanged, autosaver, &cAutosaver::setProjectFile);
 }
@@ -251,6 +266,28 @@ void cMainWindow::showProblem(const QUuid& routeId, Branch branch, const QUuid& 
 void cMainWindow::routeSelected(const QUuid& id)
 {
     tabWidget->setEnabled(!id.isNull());
+    currentRouteId = id;
+    if (replayAction)
+        replayAction->setEnabled(!id.isNull());
+}
+
+void cMainWindow::showReplay(const QUuid& routeId)
+{
+    if (routeId.isNull())
+        return;
+    if (!replayWindow) {
+        replayWindow = new cReplayWindow(projectManager, stopFixer, this);
+        // What the editors change is replayed again.
+        connect(stopEditor, &cStopEditor::stopChanged, replayWindow, &cReplayWindow::projectChanged);
+        connect(stopEditor, &cStopEditor::branchChanged, replayWindow, &cReplayWindow::projectChanged);
+        connect(routeSelector, &cRouteSelector::routeDeleted, replayWindow, &cReplayWindow::projectChanged);
+    }
+    replayWindow->setRoute(routeId);
+    replayWindow->show();
+    replayWindow->raise();
+    replayWindow->activateWindow();
+    if (!replayWindow->hasTrack())
+        replayWindow->openTrack();
 }
 
 void cMainWindow::changesDetectedSlot()

@@ -14,9 +14,11 @@ class cAutosaver;
 struct cAutosaveEntry;
 class cProblemsDock;
 class cProjectManager;
+class cReplayWindow;
 class cRouteEditor;
 class cRouteSelector;
 class cStopEditor;
+class cStopFixer;
 
 // The one main window: route selector dock on the left, editor tabs in the
 // centre, the unsaved-changes mark in the title, the autosave of the open
@@ -43,6 +45,7 @@ private slots:
     void changesDetectedSlot();
     void noChangesDetectedSlot();
     void projectFileNameChanged(const QString& fn);
+    void showReplay(const QUuid& routeId);
     void checkProject();
     void showProblems(const QList<cProblem>& problems);
     void showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId);
@@ -61,6 +64,10 @@ private:
     cRouteEditor* routeEditor = nullptr;
     cStopEditor* stopEditor = nullptr;
     cAutosaver* autosaver = nullptr;
+    cStopFixer* stopFixer = nullptr;
+    cReplayWindow* replayWindow = nullptr;
+    QAction* replayAction = nullptr;
+    QUuid currentRouteId;
     cProblemsDock* problemsDock = nullptr;
     QAction* checkAction = nullptr;
     bool modified = false;

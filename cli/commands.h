@@ -8,5 +8,6 @@ const cCommand& checkCommand();
 const cCommand& exportCommand();
 const cCommand& infoCommand();
 const cCommand& importGtfsCommand();
+const cCommand& replayCommand();
 
 #endif

@@ -3,5 +3,5 @@
 
 QList<const cCommand*> commandTable()
 {
-    return {&checkCommand(), &exportCommand(), &importGtfsCommand(), &infoCommand()};
+    return {&checkCommand(), &exportCommand(), &importGtfsCommand(), &infoCommand(), &replayCommand()};
 }

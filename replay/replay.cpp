@@ -39,6 +39,17 @@ cReplay::cReplay(const cTrack& track)
 {
 }
 
+QString cReplay::statusText(eStopStatus status)
+{
+    switch (status) {
+    case eStopStatus::Announced: return tr("announced");
+    case eStopStatus::Missed: return tr("missed");
+    case eStopStatus::OutOfOrder: return tr("out of order");
+    case eStopStatus::Repeated: return tr("repeated");
+    }
+    return QString();
+}
+
 cReplayResult cReplay::replayRoute(const cRoute& route) const
 {
     const cReplayResult direct = replayBranch(route.direct, eBranchKind::Direct);

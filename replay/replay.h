@@ -31,6 +31,9 @@ public:
     // the direct one when they are even.
     cReplayResult replayRoute(const cRoute& route) const;
 
+    // The status as the user reads it, in the user's language.
+    static QString statusText(eStopStatus status);
+
     const QVector<cTrackPoint>& points() const { return m_points; }
     const QVector<double>& headings() const { return m_headings; }
 

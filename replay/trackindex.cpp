@@ -45,7 +45,8 @@ cTrackIndex::cTrackIndex(const QVector<cTrackPoint>& points)
 
 qint64 cTrackIndex::key(qint64 column, qint64 row) const
 {
-    return (column << 32) ^ (row & 0xffffffff);
+    // Shifted as unsigned: west and south of zero the column and row are negative.
+    return static_cast<qint64>((static_cast<quint64>(column) << 32) ^ (static_cast<quint64>(row) & 0xffffffffu));
 }
 
 void cTrackIndex::addIfWithin(int index, double lon, double lat, double metres, QVector<cNearPoint>* near) const

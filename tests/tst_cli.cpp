@@ -2,6 +2,7 @@
 #include "gtfssupport.h"
 #include "projectmanager.h"
 #include "testsupport.h"
+#include "trackreader.h"
 
 #include <QtTest>
 
@@ -70,6 +71,8 @@ private slots:
     void importGtfsCreatesThenAdds();
     void importGtfsFailuresLeaveTheProject();
     void exportRefusesErrorsAndReportsFailures();
+    void replayExitCodesAndOutput();
+    void replayRefusesBadInput();
 
 private:
     cRun run(const QStringList& arguments, const QString& locale = QString());
@@ -78,6 +81,7 @@ private:
     QTemporaryDir m_home;
     QString m_project;
     QString m_sound;
+    QString m_rideProject;
 };
 
 void tst_Cli::initTestCase()
@@ -342,6 +346,120 @@ void tst_Cli::exportRefusesErrorsAndReportsFailures()
     QCOMPARE(failed.code, 1);
     QVERIFY2(failed.err.contains("[undecodable-sound]") && failed.err.contains("Failed: " + text),
              qPrintable(failed.err));
+}
+
+QString sharedTrack(const QString& name)
+{
+    return QStringLiteral(VOSK_SHARED_DIR "/tracks/") + name;
+}
+
+// Stops on a recorded car ride: route 3 has them where the car went, in
+// the order it went, and the same stops backwards as its reverse branch;
+// route 4 has its middle stop 200 m off the road.
+void tst_Cli::replayExitCodesAndOutput()
+{
+    cTrackFile ride;
+    QString error;
+    QVERIFY2(cTrackReader::read(sharedTrack("around-visnjan-with-car.gpx"), &ride, &error), qPrintable(error));
+    const QVector<cTrackPoint>& points = ride.tracks.at(0).points;
+    const auto stopAtPoint = [&points](int index, const QString& name) {
+        cStop stop;
+        stop.id = QUuid::createUuid();
+        stop.name = name;
+        stop.lon = points.at(index).lon;
+        stop.lat = points.at(index).lat;
+        stop.radius = 30;
+        return stop;
+    };
+    cRoute onRoad;
+    onRoad.id = QUuid::createUuid();
+    onRoad.name = "Višnjan";
+    onRoad.short_name = "3";
+    for (int index : {20, 50, 80})
+        onRoad.direct.stops << stopAtPoint(index, QString("P%1").arg(index));
+    for (int i = onRoad.direct.stops.size() - 1; i >= 0; --i)
+        onRoad.reverse.stops << onRoad.direct.stops.at(i);
+    cRoute offRoad = onRoad;
+    offRoad.id = QUuid::createUuid();
+    offRoad.name = "Off road";
+    offRoad.short_name = "4";
+    offRoad.reverse.stops.clear();
+    cStop& middle = offRoad.direct.stops[1];
+    geo::destination(middle.lon, middle.lat, 0, 200, &middle.lon, &middle.lat);
+    cProjectManager manager;
+    manager.project()->routes << onRoad << offRoad;
+    m_rideProject = m_dir.filePath("ride.vosk");
+    QVERIFY(manager.saveProject(m_rideProject));
+    const QByteArray saved = readFile(m_rideProject);
+
+    const cRun clean = run({"replay", m_rideProject, sharedTrack("around-visnjan-with-car.gpx"), "--route", "3"});
+    QCOMPARE(clean.code, 0);
+    QVERIFY2(clean.out.startsWith("Route \"Višnjan\", direct branch (detected)\n  1. P20: announced, ")
+                 && clean.out.endsWith("Announced 3 of 3, missed 0, out of order 0, repeated 0.\n"),
+             qPrintable(clean.out));
+    // The same ride logged as NMEA announces the same stops at the same
+    // times; its coordinates are rounded to about a metre.
+    const cRun nmea = run({"replay", m_rideProject, sharedTrack("around-visnjan-with-car.nmea"), "--route", "Višnjan"});
+    QCOMPARE(nmea.code, 0);
+    const QRegularExpression headings(", heading \\d+°|, closest \\d+ m");
+    QCOMPARE(QString(nmea.out).remove(headings), QString(clean.out).remove(headings));
+
+    const cRun backwards = run({"replay", m_rideProject, sharedTrack("around-visnjan-with-car.gpx"), "--route", "3",
+                                "--branch", "reverse", "--format", "json"});
+    QCOMPARE(backwards.code, 1);
+    const QJsonObject reverse = parsed(backwards.out);
+    QCOMPARE(reverse.value("branch").toString(), QString("reverse"));
+    QStringList statuses;
+    for (const QJsonValue& stop : reverse.value("stops").toArray())
+        statuses << stop.toObject().value("status").toString();
+    QVERIFY2(statuses.count("out-of-order") == 2 && statuses.count("announced") == 1, qPrintable(statuses.join(' ')));
+
+    const cRun missed = run({"replay", m_rideProject, sharedTrack("around-visnjan-with-car.gpx"), "--route", "4",
+                             "--format", "json"});
+    QCOMPARE(missed.code, 1);
+    const QJsonArray stops = parsed(missed.out).value("stops").toArray();
+    QCOMPARE(stops.size(), 3);
+    const QJsonObject off = stops.at(1).toObject();
+    QCOMPARE(off.value("stop").toInt(), 2);
+    QCOMPARE(off.value("name").toString(), QString("P50"));
+    QCOMPARE(off.value("status").toString(), QString("missed"));
+    QVERIFY(off.value("time").isNull() && off.value("heading").isNull());
+    QVERIFY2(off.value("reason").toString().startsWith("never inside the zone (closest ")
+                 && off.value("reason").toString().endsWith(" m, radius 30 m)"),
+             qPrintable(off.value("reason").toString()));
+    const QJsonObject first = stops.at(0).toObject();
+    QCOMPARE(first.value("status").toString(), QString("announced"));
+    // Announced on entering the zone, at the ride's first point inside it.
+    int entry = 0;
+    while (geo::distanceMetres(points.at(entry).lon, points.at(entry).lat, points.at(20).lon, points.at(20).lat) > 30)
+        ++entry;
+    QCOMPARE(first.value("time").toString(),
+             QDateTime::fromMSecsSinceEpoch(points.at(entry).time, Qt::UTC).toString(Qt::ISODate));
+    QVERIFY(first.value("closest_m").toDouble() < 0.1);
+
+    QCOMPARE(readFile(m_rideProject), saved);
+}
+
+void tst_Cli::replayRefusesBadInput()
+{
+    const QString ride = sharedTrack("around-visnjan-with-car.gpx");
+    const QString cut = m_dir.filePath("cut.gpx");
+    QVERIFY(writeFile(cut, readFile(ride).left(3000)));
+    const QList<QPair<QStringList, QString>> cases{
+        {{"replay", m_rideProject, ride}, "one route"},
+        {{"replay", m_rideProject, ride, "--route", "3", "--route", "4"}, "one route"},
+        {{"replay", m_rideProject, ride, "--route", "99"}, "\"99\""},
+        {{"replay", m_rideProject, ride, "--route", "3", "--branch", "sideways"}, "\"sideways\""},
+        {{"replay", m_rideProject, ride, "--route", "3", "--track", "2"}, "(tracks in the file: 1)"},
+        {{"replay", m_rideProject, m_dir.filePath("none.gpx"), "--route", "3"}, "none.gpx"},
+        {{"replay", m_rideProject, cut, "--route", "3"}, "Line "},
+        {{"replay", m_rideProject, ride, "--route", "4", "--branch", "reverse"}, "no stops"},
+        {{"replay", m_rideProject, "--route", "3"}, "PROJECT TRACK"}};
+    for (const auto& bad : cases) {
+        const cRun result = run(bad.first);
+        QCOMPARE(result.code, 2);
+        QVERIFY2(result.err.contains(bad.second) && result.out.isEmpty(), qPrintable(result.err));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Cli)

@@ -190,7 +190,7 @@ void tst_MainWindow::addRouteNaming()
     const cRoute& added = manager()->project()->routes.last();
     QCOMPARE(added.base_text.current + added.base_text.next + added.base_text.last, QStringLiteral("Stop: Next: . Last"));
 
-    // The context menu adds too, and offers Delete only over an item.
+    // The context menu adds too, and offers Delete and the replay only over an item.
     const QString offered = contextMenu(QPoint(5, routeList()->viewport()->height() - 3), "Add");
     QCOMPARE(offered, QStringLiteral("Add,Import from GTFS…"));
     QCOMPARE(routeList()->count(), 5);
@@ -211,7 +211,7 @@ void tst_MainWindow::renameAndDeleteThroughTheList()
     routeList()->selectAll();
     routeList()->setCurrentRow(0, QItemSelectionModel::NoUpdate);
     const QRect first = routeList()->visualItemRect(routeList()->item(0));
-    QCOMPARE(contextMenu(first.center(), "Delete"), QStringLiteral("Add,Delete,Import from GTFS…"));
+    QCOMPARE(contextMenu(first.center(), "Delete"), QStringLiteral("Add,Delete,Import from GTFS…,Replay track…"));
     QCOMPARE(itemTexts(routeList()), QStringList{"Маршрут 5"});
     QCOMPARE(manager()->project()->routes.size(), 1);
     QVERIFY(tabs()->isEnabled());

@@ -85,7 +85,7 @@ void tst_Translations::catalogueMatchesTheSources()
     lupdate.start(QStringLiteral(VOSK_LUPDATE),
                   {QStringLiteral("-silent"), QStringLiteral("app"), QStringLiteral("ui"), QStringLiteral("model"),
                    QStringLiteral("export"), QStringLiteral("map"), QStringLiteral("logger"), QStringLiteral("gtfs"),
-                   QStringLiteral("replay"),
+                   QStringLiteral("replay"), QStringLiteral("replayui"),
                    QStringLiteral("check"), QStringLiteral("cli"),
                    QStringLiteral("-ts"), fresh});
     QVERIFY(lupdate.waitForFinished(60000));

@@ -113,6 +113,9 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     routeMenu->addSeparator();
     connect(routeMenu->addAction(tr("Import from GTFS…")), &QAction::triggered, this,
             &cRouteSelector::importRouteGtfs);
+    replayAction = routeMenu->addAction(tr("Replay track…"));
+    replayAction->setObjectName(QStringLiteral("replayTrackAction"));
+    connect(replayAction, &QAction::triggered, this, [this] { emit replayRequested(menuRouteId); });
 
     auto* routeButtons = new QHBoxLayout;
     routeButtons->setSpacing(5);
@@ -381,6 +384,9 @@ void cRouteSelector::itemClicked(QListWidgetItem* item)
 void cRouteSelector::routeListContextMenu(const QPoint& p)
 {
     deleteAction->setEnabled(routeList->itemAt(p) != nullptr);
+    // The route under the pointer, which a right click need not select.
+    menuRouteId = itemId(routeList->itemAt(p));
+    replayAction->setEnabled(!menuRouteId.isNull());
     routeMenu->popup(routeList->viewport()->mapToGlobal(p));
 }
 

@@ -52,6 +52,8 @@ signals:
     // The check before an export found errors and the user wants to see
     // them.
     void problemsFound(const QList<cProblem>& problems);
+    // "Replay track…" was chosen for this route in the list's menu.
+    void replayRequested(const QUuid& routeId);
 
 public slots:
     void routeChangedSlot(const QUuid& id);
@@ -96,6 +98,8 @@ private:
     QAction* addAction;
     QAction* deleteAction;
     cRouteExport* routeExport;
+    QAction* replayAction;
+    QUuid menuRouteId;
     cSaveDialog* saveDialog;
     QString fileName;
     cConvertProgress* progress;

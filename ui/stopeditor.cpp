@@ -348,6 +348,14 @@ void cStopEditor::itemClicked(const QModelIndex& index)
         showMap();
 }
 
+void cStopEditor::showStopChange(const QUuid& id)
+{
+    const QModelIndex current = ui->stopList->currentIndex();
+    const cStop* stop = stopOf(current);
+    if (stop && stop->id == id)
+        itemClicked(current);
+}
+
 void cStopEditor::clearEditors()
 {
     stopSound->clear();

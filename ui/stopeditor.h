@@ -47,6 +47,9 @@ public slots:
     void clear(bool clearRoute);
     void clear();
     void routeSelected(const QUuid& id);
+    // A stop was written from elsewhere (a replay's fix): the form shows it
+    // again when it is the stop on show, so a later edit cannot undo it.
+    void showStopChange(const QUuid& id);
 
 private slots:
     void showMap();

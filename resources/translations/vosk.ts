@@ -672,6 +672,14 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>&amp;Tools</source>
         <translation>&amp;Сервис</translation>
     </message>
+    <message>
+        <source>&amp;Route</source>
+        <translation>&amp;Маршрут</translation>
+    </message>
+    <message>
+        <source>Replay track…</source>
+        <translation>Проиграть трек…</translation>
+    </message>
 </context>
 <context>
     <name>cMapViewer</name>
@@ -1047,6 +1055,298 @@ Longitude %3, latitude %4</source>
         <source>inside the zone, but the heading is unknown: the vehicle had not yet moved 5 m</source>
         <translation>в зоне, но курс неизвестен: машина ещё не сдвинулась на 5 м</translation>
     </message>
+    <message>
+        <source>announced</source>
+        <translation>объявлена</translation>
+    </message>
+    <message>
+        <source>missed</source>
+        <translation>пропущена</translation>
+    </message>
+    <message>
+        <source>out of order</source>
+        <translation>не по порядку</translation>
+    </message>
+    <message>
+        <source>repeated</source>
+        <translation>повторена</translation>
+    </message>
+</context>
+<context>
+    <name>cReplayCommand</name>
+    <message>
+        <source>Drives a recorded ride through a route and tells which stops the device would announce.</source>
+        <translation>Проводит записанную поездку по маршруту и сообщает, какие остановки объявило бы устройство.</translation>
+    </message>
+    <message>
+        <source>The project file (.vosk).</source>
+        <translation>Файл проекта (.vosk).</translation>
+    </message>
+    <message>
+        <source>The recorded ride: GPX or an NMEA 0183 log.</source>
+        <translation>Записанная поездка: GPX или журнал NMEA 0183.</translation>
+    </message>
+    <message>
+        <source>direct or reverse; the one with more stops announced when not given.</source>
+        <translation>direct (прямое) или reverse (обратное); если не указано — то, где объявлено больше остановок.</translation>
+    </message>
+    <message>
+        <source>BRANCH</source>
+        <translation>НАПРАВЛЕНИЕ</translation>
+    </message>
+    <message>
+        <source>The track of the file to replay, counted from 1; the first when not given.</source>
+        <translation>Какой трек файла проиграть, считая с 1; если не указано — первый.</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+    <message>
+        <source>The branch is direct or reverse, not &quot;%1&quot;.</source>
+        <translation>Направление — direct или reverse, а не «%1».</translation>
+    </message>
+    <message>
+        <source>replay needs one route: --route NAME.</source>
+        <translation>Команде replay нужен один маршрут: --route НАЗВАНИЕ.</translation>
+    </message>
+    <message>
+        <source>Several routes are named &quot;%1&quot;; give the route&apos;s number instead.</source>
+        <translation>Маршрутов с названием «%1» несколько; укажите номер маршрута.</translation>
+    </message>
+    <message>
+        <source>The route &quot;%1&quot; has no stops to replay.</source>
+        <translation>В маршруте «%1» нет остановок для проигрывания.</translation>
+    </message>
+    <message>
+        <source>Cannot read the track %1: %2</source>
+        <translation>Не удалось прочитать трек %1: %2</translation>
+    </message>
+    <message>
+        <source>%1: no track &quot;%2&quot; (tracks in the file: %3).</source>
+        <translation>%1: нет трека «%2» (треков в файле: %3).</translation>
+    </message>
+    <message>
+        <source>Cannot replay the track %1: %2</source>
+        <translation>Трек %1 нельзя проиграть: %2</translation>
+    </message>
+    <message>
+        <source>direct branch</source>
+        <translation>прямое направление</translation>
+    </message>
+    <message>
+        <source>reverse branch</source>
+        <translation>обратное направление</translation>
+    </message>
+    <message>
+        <source>Route &quot;%1&quot;, %2 (detected)</source>
+        <translation>Маршрут «%1», %2 (определено)</translation>
+    </message>
+    <message>
+        <source>Route &quot;%1&quot;, %2</source>
+        <translation>Маршрут «%1», %2</translation>
+    </message>
+    <message>
+        <source>heading %1°</source>
+        <translation>курс %1°</translation>
+    </message>
+    <message>
+        <source>closest %1 m</source>
+        <translation>ближе всего %1 м</translation>
+    </message>
+    <message>
+        <source>pass %1, </source>
+        <translation>проезд %1, </translation>
+    </message>
+    <message>
+        <source>Announced %1 of %2, missed %3, out of order %4, repeated %5.</source>
+        <translation>Объявлено %1 из %2, пропущено %3, не по порядку %4, повторено %5.</translation>
+    </message>
+</context>
+<context>
+    <name>cReplayWindow</name>
+    <message>
+        <source>Replay track</source>
+        <translation>Проигрывание трека</translation>
+    </message>
+    <message>
+        <source>Open track…</source>
+        <translation>Открыть трек…</translation>
+    </message>
+    <message>
+        <source>Open a recorded ride: GPX or NMEA 0183</source>
+        <translation>Открыть записанную поездку: GPX или NMEA 0183</translation>
+    </message>
+    <message>
+        <source>Track:</source>
+        <translation>Трек:</translation>
+    </message>
+    <message>
+        <source>Branch:</source>
+        <translation>Направление:</translation>
+    </message>
+    <message>
+        <source>Detect</source>
+        <translation>Определить</translation>
+    </message>
+    <message>
+        <source>Direct</source>
+        <translation>Прямое</translation>
+    </message>
+    <message>
+        <source>Reverse</source>
+        <translation>Обратное</translation>
+    </message>
+    <message>
+        <source>Move the vehicle along the track</source>
+        <translation>Передвинуть машину по треку</translation>
+    </message>
+    <message>
+        <source>Double-click a row to show its stop on the map</source>
+        <translation>Двойной щелчок по строке показывает её остановку на карте</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Остановка</translation>
+    </message>
+    <message>
+        <source>Pass</source>
+        <translation>Проезд</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Состояние</translation>
+    </message>
+    <message>
+        <source>Announced at</source>
+        <translation>Время объявления</translation>
+    </message>
+    <message>
+        <source>Heading</source>
+        <translation>Курс</translation>
+    </message>
+    <message>
+        <source>Closest</source>
+        <translation>Ближе всего</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Причина</translation>
+    </message>
+    <message>
+        <source>Suggested fix</source>
+        <translation>Предлагаемое исправление</translation>
+    </message>
+    <message>
+        <source>%1°</source>
+        <translation>%1°</translation>
+    </message>
+    <message>
+        <source>Open a recorded ride to see which stops the device would announce on it.</source>
+        <translation>Откройте записанную поездку, чтобы увидеть, какие остановки объявило бы на ней устройство.</translation>
+    </message>
+    <message>
+        <source>Replay track: %1</source>
+        <translation>Проигрывание трека: %1</translation>
+    </message>
+    <message>
+        <source>Open track</source>
+        <translation>Открыть трек</translation>
+    </message>
+    <message>
+        <source>Tracks (*.gpx *.nmea *.txt *.log);;All files (*)</source>
+        <translation>Треки (*.gpx *.nmea *.txt *.log);;Все файлы (*)</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>The track could not be read:
+%1</source>
+        <translation>Не удалось прочитать трек:
+%1</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 (%n points)</source>
+        <translation>
+            <numerusform>%1 (%n точка)</numerusform>
+            <numerusform>%1 (%n точки)</numerusform>
+            <numerusform>%1 (%n точек)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>This track cannot be replayed: %1</source>
+        <translation>Этот трек нельзя проиграть: %1</translation>
+    </message>
+    <message>
+        <source>The route is no longer in the project.</source>
+        <translation>Этого маршрута в проекте больше нет.</translation>
+    </message>
+    <message>
+        <source>point %1</source>
+        <translation>точка %1</translation>
+    </message>
+    <message>
+        <source>%1 m</source>
+        <translation>%1 м</translation>
+    </message>
+    <message>
+        <source>Radius %1 m</source>
+        <translation>Радиус %1 м</translation>
+    </message>
+    <message>
+        <source>Set the zone&apos;s radius to %1 m instead of %2 m</source>
+        <translation>Сделать радиус зоны %1 м вместо %2 м</translation>
+    </message>
+    <message>
+        <source>Course %1°</source>
+        <translation>Курс %1°</translation>
+    </message>
+    <message>
+        <source>Reverse the course: %1° instead of %2°</source>
+        <translation>Развернуть курс: %1° вместо %2°</translation>
+    </message>
+    <message>
+        <source>Direct branch</source>
+        <translation>Прямое направление</translation>
+    </message>
+    <message>
+        <source>Reverse branch</source>
+        <translation>Обратное направление</translation>
+    </message>
+    <message>
+        <source>%1 (detected)</source>
+        <translation>%1 (определено)</translation>
+    </message>
+    <message>
+        <source>%1: no stops to replay.</source>
+        <translation>%1: нет остановок для проигрывания.</translation>
+    </message>
+    <message>
+        <source>%1, %2 passes: %3 of %4 stop visits announced, %5 missed, %6 out of order, %7 repeated.</source>
+        <translation>%1, проездов: %2; объявлено %3 из %4 посещений остановок, пропущено %5, не по порядку %6, повторено %7.</translation>
+    </message>
+    <message>
+        <source>%1: %2 of %3 stops announced, %4 missed, %5 out of order, %6 repeated.</source>
+        <translation>%1: объявлено %2 из %3 остановок, пропущено %4, не по порядку %5, повторено %6.</translation>
+    </message>
+    <message>
+        <source>heading unknown</source>
+        <translation>курс неизвестен</translation>
+    </message>
+    <message>
+        <source>heading %1</source>
+        <translation>курс %1</translation>
+    </message>
+    <message>
+        <source>point %1 of %2</source>
+        <translation>точка %1 из %2</translation>
+    </message>
+    <message>
+        <source>Pass %1: </source>
+        <translation>Проезд %1: </translation>
+    </message>
 </context>
 <context>
     <name>cRouteCheck</name>
@@ -1293,6 +1593,10 @@ Save anyway?</source>
     <message>
         <source>Show problems</source>
         <translation>Показать проблемы</translation>
+    </message>
+    <message>
+        <source>Replay track…</source>
+        <translation>Проиграть трек…</translation>
     </message>
 </context>
 <context>
