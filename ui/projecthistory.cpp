@@ -15,7 +15,7 @@ cProjectHistory::cProjectHistory(cProjectManager* manager, QObject* parent)
     connect(manager, &cProjectManager::projectCreated, this, &cProjectHistory::clear);
     connect(manager, &cProjectManager::projectSaved, m_stack, &QUndoStack::setClean);
     connect(m_stack, &QUndoStack::indexChanged, this, [this] {
-        if (!m_clearing)
+        if (!m_quiet)
             emit cleanStateChanged(m_stack->isClean());
     });
     connect(qApp, &QApplication::focusChanged, this, [this] { ++m_mergeEpoch; });
@@ -28,9 +28,9 @@ cProject* cProjectHistory::project() const
 
 void cProjectHistory::clear()
 {
-    m_clearing = true;
+    m_quiet = true;
     m_stack->clear();
-    m_clearing = false;
+    m_quiet = false;
 }
 
 void cProjectHistory::record(cEditCommand* command)
@@ -98,5 +98,9 @@ void cProjectHistory::endImport(const cImportMark& mark)
         inserted << qMakePair(row, routes.at(row));
     const QString text = inserted.size() == 1 ? tr("Import route '%1'").arg(inserted.first().second.name)
                                               : tr("Import %n routes", nullptr, inserted.size());
+    // An import leaves the project unmodified, as after opening it; undoing
+    // or redoing it is a change like any other.
+    m_quiet = true;
     record(new cRouteListCommand(this, {}, inserted, text, mark.projectId, project()->id));
+    m_quiet = false;
 }

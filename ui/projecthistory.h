@@ -48,8 +48,9 @@ public:
 
 signals:
     void applied(const cEditPlace& place);
-    // After every step done, undone or redone, not when the history is
-    // cleared: a new project counts as modified although nothing is undoable.
+    // After every step done, undone or redone, but not when the history is
+    // cleared (a new project counts as modified although nothing is
+    // undoable) nor for an import (which leaves the mark cleared).
     void cleanStateChanged(bool clean);
 
 private:
@@ -59,7 +60,7 @@ private:
     cProjectManager* m_manager;
     QUndoStack* m_stack;
     int m_mergeEpoch = 0;
-    bool m_clearing = false;
+    bool m_quiet = false;
 };
 
 #endif
