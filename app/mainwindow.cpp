@@ -131,6 +131,10 @@ void cMainWindow::buildMenus()
 {
     QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
     fileMenu->setObjectName(QStringLiteral("fileMenu"));
+    QAction* importGtfs = fileMenu->addAction(tr("Import from GTFS…"));
+    importGtfs->setObjectName(QStringLiteral("importGtfsAction"));
+    connect(importGtfs, &QAction::triggered, routeSelector, &cRouteSelector::importRouteGtfs);
+    fileMenu->addSeparator();
     QAction* recover = fileMenu->addAction(tr("Recover unsaved work…"));
     recover->setObjectName(QStringLiteral("recoverAction"));
     connect(recover, &QAction::triggered, this, &cMainWindow::recoverUnsavedWork);

@@ -50,13 +50,14 @@ QString lastDebugMessage()
 QString cCli::overview()
 {
     QString text = tr("Usage: voskantor-cli COMMAND [options] ARGUMENTS\n"
-                      "Checks, describes and exports Voskantor projects without a window.\n\n"
+                      "Checks, describes and exports Voskantor projects and imports routes into them, without a "
+                      "window.\n\n"
                       "Commands:\n");
     for (const cCommand* command : commandTable())
-        text += QStringLiteral("  %1  %2\n").arg(command->name(), -8).arg(command->summary());
+        text += QStringLiteral("  %1  %2\n").arg(command->name(), -11).arg(command->summary());
     text += tr("\nvoskantor-cli COMMAND --help describes a command's options.\n"
-               "Exit codes: 0 done, 1 problems found or the export failed, 2 wrong arguments or an unreadable "
-               "project.\n");
+               "Exit codes: 0 done, 1 problems found, the export failed or a route is not in the feed, 2 wrong "
+               "arguments or an unreadable project or feed.\n");
     return text;
 }
 

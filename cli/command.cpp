@@ -40,15 +40,21 @@ void cCliContext::complain(const QString& text)
 bool cCliContext::loadProject()
 {
     cProjectManager manager;
-    QString error;
-    if (!manager.openProject(projectPath(), &error)) {
-        if (error.isEmpty())
-            error = lastDebugMessage();
-        complain(tr("Cannot read the project %1: %2").arg(projectPath(), error));
+    if (!openProject(&manager, projectPath()))
         return false;
-    }
     m_project = *manager.project();
     return true;
+}
+
+bool cCliContext::openProject(cProjectManager* manager, const QString& path)
+{
+    QString error;
+    if (manager->openProject(path, &error))
+        return true;
+    if (error.isEmpty())
+        error = lastDebugMessage();
+    complain(tr("Cannot read the project %1: %2").arg(path, error));
+    return false;
 }
 
 bool cCliContext::selectRoutes(QList<cRoute>* routes)

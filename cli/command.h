@@ -11,6 +11,7 @@
 
 class QCommandLineParser;
 class QJsonObject;
+class cProjectManager;
 class QTextStream;
 
 // Exit codes of every subcommand.
@@ -38,6 +39,8 @@ public:
     // Reads the project named by the first argument. On failure the
     // reader's message is on stderr and the command ends with ExitUsage.
     bool loadProject();
+    // The same for a project file that is read to be changed and saved.
+    bool openProject(cProjectManager* manager, const QString& path);
     const cProject& project() const { return m_project; }
     QString projectPath() const { return argument(0); }
     // The routes named with --route (by name or number), in the project's

@@ -6,5 +6,6 @@ class cCommand;
 // One subcommand each, defined in a file of its own.
 const cCommand& checkCommand();
 const cCommand& infoCommand();
+const cCommand& importGtfsCommand();
 
 #endif

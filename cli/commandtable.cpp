@@ -3,5 +3,5 @@
 
 QList<const cCommand*> commandTable()
 {
-    return {&checkCommand(), &infoCommand()};
+    return {&checkCommand(), &infoCommand(), &importGtfsCommand()};
 }

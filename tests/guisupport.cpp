@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QTimer>
 
@@ -31,6 +32,9 @@ struct cAnswerQueue
     {
         QWidget* dialog = QApplication::activeModalWidget();
         if (!dialog || !dialog->isVisible() || dialog == lastAnswered || answers.isEmpty())
+            return;
+        // A progress dialog goes away by itself once the work behind it ends.
+        if (qobject_cast<QProgressDialog*>(dialog))
             return;
         lastAnswered = dialog;
         const auto answer = answers.takeFirst();

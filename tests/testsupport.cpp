@@ -122,6 +122,14 @@ QString difference(const cRoute& a, const cRoute& b)
     return d.isEmpty() ? d : QStringLiteral("reverse: ") + d;
 }
 
+QStringList stopNames(const QList<cStop>& stops)
+{
+    QStringList names;
+    for (const cStop& stop : stops)
+        names << stop.name;
+    return names;
+}
+
 QString difference(const cProject& a, const cProject& b)
 {
     VOSK_COMPARE(id);

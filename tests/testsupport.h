@@ -28,6 +28,9 @@ QString difference(const cStop& a, const cStop& b);
 QString difference(const cRoute& a, const cRoute& b);
 QString difference(const cProject& a, const cProject& b);
 
+// The names of stops in their order, to compare a branch with what it should hold.
+QStringList stopNames(const QList<cStop>& stops);
+
 // Empty when `read` is `original` as the device form brings it back: sound
 // paths on the card, no empty other sounds, fresh stop ids, coordinates
 // within rounding of the 8-digit text.

@@ -1,4 +1,5 @@
 #include "geo.h"
+#include "gtfssupport.h"
 #include "projectmanager.h"
 #include "testsupport.h"
 
@@ -43,6 +44,14 @@ QJsonObject parsed(const QString& text)
     return error.error == QJsonParseError::NoError ? document.object() : QJsonObject();
 }
 
+cProject savedProject(const QString& path)
+{
+    cProjectManager manager;
+    if (!manager.openProject(path))
+        return cProject();
+    return *manager.project();
+}
+
 } // namespace
 
 // voskantor-cli run as a process, the way a script on a server runs it.
@@ -58,6 +67,8 @@ private slots:
     void unreadableProjectsAndWrongArguments();
     void readerLinesOnlyWhenVerboseAndNoLogs();
     void infoListsRoutesSoundsAndBounds();
+    void importGtfsCreatesThenAdds();
+    void importGtfsFailuresLeaveTheProject();
 
 private:
     cRun run(const QStringList& arguments, const QString& locale = QString());
@@ -231,6 +242,68 @@ void tst_Cli::infoListsRoutesSoundsAndBounds()
     QCOMPARE(box.value("north").toDouble(), 59.9);
     QVERIFY(qAbs(box.value("south").toDouble() - 59.9) < 1e-5);
     QVERIFY(qAbs(geo::distanceMetres(30.3, 59.9, box.value("east").toDouble(), 59.9) - 800) < 0.1);
+}
+
+void tst_Cli::importGtfsCreatesThenAdds()
+{
+    const QString feed = gtfssupport::sharedFeed("poa.zip");
+    const QString project = m_dir.filePath("poa.vosk");
+    const cRun first = run({"import-gtfs", feed, project, "--route", "T2", "--course-diff", "45"});
+    QCOMPARE(first.code, 0);
+    QCOMPARE(first.out, "Added TRANSVERSAL 2 [T2]: 62 direct and 0 reverse stops\nRoutes in the project: 1. Saved "
+                            + project + ".\n");
+    const cProject created = savedProject(project);
+    QCOMPARE(created.routes.size(), 1);
+    const cStop& stop = created.routes.at(0).direct.stops.at(0);
+    QVERIFY(stop.course_enabled);
+    QCOMPARE(stop.course_diff, 45);
+
+    // Named twice, imported once; the routes already there stay as they were.
+    const cRun second = run({"import-gtfs", feed, project, "--route", "A141", "--route", "176", "--route", "A141"});
+    QCOMPARE(second.code, 0);
+    const cProject grown = savedProject(project);
+    QCOMPARE(grown.routes.size(), 3);
+    QCOMPARE(testsupport::difference(grown.routes.at(0), created.routes.at(0)), QString());
+    QCOMPARE(grown.routes.at(2).short_name, QString("176"));
+    QVERIFY(!grown.routes.at(2).direct.stops.at(0).course_enabled);
+
+    const QString whole = m_dir.filePath("fortaleza.vosk");
+    const cRun all = run({"import-gtfs", gtfssupport::sharedFeed("fortaleza.zip"), whole});
+    QCOMPARE(all.code, 0);
+    QCOMPARE(savedProject(whole).routes.size(), 14);
+}
+
+// Whatever goes wrong, the project file keeps its bytes.
+void tst_Cli::importGtfsFailuresLeaveTheProject()
+{
+    const QByteArray before = readFile(m_project);
+    const QString truncated = m_dir.filePath("truncated.zip");
+    QVERIFY(writeFile(truncated, readFile(gtfssupport::sharedFeed("poa.zip")).left(60000)));
+    gtfssupport::cFeedFiles files = gtfssupport::smallFeed();
+    files["stop_times.txt"] += "T6,,,S9,3\n";
+    const QString undefinedStop = m_dir.filePath("undefined.zip");
+    QVERIFY(gtfssupport::writeZip(undefinedStop, files));
+    const QString poa = gtfssupport::sharedFeed("poa.zip");
+
+    const cRun missing = run({"import-gtfs", poa, m_project, "--route", "T2", "--route", "T99"});
+    QCOMPARE(missing.code, 1);
+    QCOMPARE(missing.err, QString("voskantor-cli: The feed has no route with the id or short name \"T99\".\n"));
+    // Found bad only when the stops are read, after the project was.
+    const cRun late = run({"import-gtfs", undefinedStop, m_project});
+    QCOMPARE(late.code, 2);
+    QVERIFY2(late.err.contains("stop_times.txt, line 34: stop_id \"S9\" is not defined in stops.txt."),
+             qPrintable(late.err));
+    const cRun broken = run({"import-gtfs", truncated, m_project});
+    QCOMPARE(broken.code, 2);
+    QVERIFY2(broken.err.startsWith("voskantor-cli: Cannot read the GTFS feed " + truncated), qPrintable(broken.err));
+    QCOMPARE(run({"import-gtfs", poa, m_project, "--course-diff", "0"}).code, 2);
+    QCOMPARE(readFile(m_project), before);
+    QVERIFY(!QFile::exists(m_project + ".bak"));
+
+    const QString unreadable = m_dir.filePath("unreadable.vosk");
+    QVERIFY(writeFile(unreadable, "route = {}"));
+    QCOMPARE(run({"import-gtfs", poa, unreadable}).code, 2);
+    QCOMPARE(readFile(unreadable), QByteArray("route = {}"));
 }
 
 QTEST_GUILESS_MAIN(tst_Cli)

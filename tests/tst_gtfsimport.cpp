@@ -9,6 +9,7 @@
 #include <QtTest>
 
 using namespace gtfssupport;
+using testsupport::stopNames;
 
 namespace {
 
@@ -26,14 +27,6 @@ QVector<cGtfsRouteChoice> defaultChoices(const cGtfsFeed& feed, const QVector<in
     for (const int route : routes)
         choices << feed.defaultChoice(route);
     return choices;
-}
-
-QStringList stopNames(const QList<cStop>& stops)
-{
-    QStringList names;
-    for (const cStop& stop : stops)
-        names << stop.name;
-    return names;
 }
 
 QList<int> courses(const QList<cStop>& stops)

@@ -3,6 +3,7 @@
 #include "convertprogress.h"
 #include "converter.h"
 #include "errordialog.h"
+#include "gtfsimportdialog.h"
 #include "projecthistory.h"
 #include "projectmanager.h"
 #include "routetable.h"
@@ -139,6 +140,9 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     deleteAction = routeMenu->addAction(tr("Delete"));
     connect(addAction, &QAction::triggered, this, &cRouteSelector::addRoute);
     connect(deleteAction, &QAction::triggered, this, &cRouteSelector::routeDeleteRequest);
+    routeMenu->addSeparator();
+    connect(routeMenu->addAction(tr("Import from GTFS…")), &QAction::triggered, this,
+            &cRouteSelector::importRouteGtfs);
 
     auto* routeButtons = new QHBoxLayout;
     routeButtons->setSpacing(5);
@@ -149,6 +153,8 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     auto* importMenu = new QMenu(importButton);
     connect(importMenu->addAction(tr("Import Evt-file")), &QAction::triggered, this, &cRouteSelector::importRouteEvt);
     connect(importMenu->addAction(tr("Import Lua-file")), &QAction::triggered, this, &cRouteSelector::importRouteLua);
+    connect(importMenu->addAction(tr("Import from GTFS…")), &QAction::triggered, this,
+            &cRouteSelector::importRouteGtfs);
     importButton->setMenu(importMenu);
     routeButtons->addWidget(addButton);
     routeButtons->addWidget(importButton);
@@ -378,6 +384,21 @@ void cRouteSelector::importRoute(ImportKind kind)
     if (history)
         history->endImport(mark);
     storeSettingsValue(lastImportKey, path);
+}
+
+// The dialog builds every route before any is added, so a feed that fails
+// or a read that is cancelled leaves the project as it was.
+void cRouteSelector::importRouteGtfs()
+{
+    cGtfsImportDialog dialog(this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const QList<cRoute> routes = dialog.routes();
+    qDebug().noquote() << "Importing" << routes.size() << "routes from GTFS feed" << dialog.feedPath();
+    const cProjectHistory::cImportMark mark = history ? history->beginImport() : cProjectHistory::cImportMark();
+    projectManager->importRoutes(routes);
+    if (history)
+        history->endImport(mark);
 }
 
 void cRouteSelector::fillList()

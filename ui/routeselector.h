@@ -54,6 +54,8 @@ signals:
 
 public slots:
     void routeChangedSlot(const QUuid& id);
+    // Offered in the window's File menu as well as in this panel.
+    void importRouteGtfs();
 
 private slots:
     void newProject();

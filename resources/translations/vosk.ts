@@ -34,28 +34,6 @@
 <context>
     <name>cCli</name>
     <message>
-        <source>Usage: voskantor-cli COMMAND [options] ARGUMENTS
-Checks, describes and exports Voskantor projects without a window.
-
-Commands:
-</source>
-        <translation>Использование: voskantor-cli КОМАНДА [параметры] АРГУМЕНТЫ
-Проверяет, описывает и выгружает проекты Voskantor без окна.
-
-Команды:
-</translation>
-    </message>
-    <message>
-        <source>
-voskantor-cli COMMAND --help describes a command&apos;s options.
-Exit codes: 0 done, 1 problems found or the export failed, 2 wrong arguments or an unreadable project.
-</source>
-        <translation>
-voskantor-cli КОМАНДА --help описывает параметры команды.
-Коды выхода: 0 — готово, 1 — найдены ошибки или выгрузка не удалась, 2 — неверные аргументы или проект не читается.
-</translation>
-    </message>
-    <message>
         <source>Unknown command &quot;%1&quot;.</source>
         <translation>Неизвестная команда «%1».</translation>
     </message>
@@ -94,6 +72,28 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>The format is text or json, not &quot;%1&quot;.</source>
         <translation>Формат — text или json, а не «%1».</translation>
+    </message>
+    <message>
+        <source>Usage: voskantor-cli COMMAND [options] ARGUMENTS
+Checks, describes and exports Voskantor projects and imports routes into them, without a window.
+
+Commands:
+</source>
+        <translation>Использование: voskantor-cli КОМАНДА [параметры] АРГУМЕНТЫ
+Проверяет, описывает и выгружает проекты Voskantor и импортирует в них маршруты, без окна.
+
+Команды:
+</translation>
+    </message>
+    <message>
+        <source>
+voskantor-cli COMMAND --help describes a command&apos;s options.
+Exit codes: 0 done, 1 problems found, the export failed or a route is not in the feed, 2 wrong arguments or an unreadable project or feed.
+</source>
+        <translation>
+voskantor-cli КОМАНДА --help описывает параметры команды.
+Коды выхода: 0 — готово, 1 — найдены ошибки, выгрузка не удалась или маршрута нет в фиде, 2 — неверные аргументы, проект или фид не читается.
+</translation>
     </message>
 </context>
 <context>
@@ -258,10 +258,246 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     </message>
 </context>
 <context>
+    <name>cGtfsImportDialog</name>
+    <message>
+        <source>Import from GTFS</source>
+        <translation>Импорт из GTFS</translation>
+    </message>
+    <message>
+        <source>Feed:</source>
+        <translation>Фид:</translation>
+    </message>
+    <message>
+        <source>A zip file or an unpacked folder with routes.txt, trips.txt, stops.txt and stop_times.txt</source>
+        <translation>Zip-файл или распакованная папка с routes.txt, trips.txt, stops.txt и stop_times.txt</translation>
+    </message>
+    <message>
+        <source>Zip file…</source>
+        <translation>Zip-файл…</translation>
+    </message>
+    <message>
+        <source>Folder…</source>
+        <translation>Папка…</translation>
+    </message>
+    <message>
+        <source>Filter by number or name</source>
+        <translation>Фильтр по номеру или названию</translation>
+    </message>
+    <message>
+        <source>Short name</source>
+        <translation>Краткое название</translation>
+    </message>
+    <message>
+        <source>Long name</source>
+        <translation>Полное название</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Тип</translation>
+    </message>
+    <message>
+        <source>Trips</source>
+        <translation>Рейсы</translation>
+    </message>
+    <message>
+        <source>Show stops</source>
+        <translation>Показать остановки</translation>
+    </message>
+    <message>
+        <source>Read the stops of the selected routes from the feed</source>
+        <translation>Прочитать из фида остановки выбранных маршрутов</translation>
+    </message>
+    <message>
+        <source>Direct branch</source>
+        <translation>Прямое направление</translation>
+    </message>
+    <message>
+        <source>Reverse branch</source>
+        <translation>Обратное направление</translation>
+    </message>
+    <message>
+        <source>Set courses along the route, deviation:</source>
+        <translation>Задать курсы вдоль маршрута, отклонение:</translation>
+    </message>
+    <message>
+        <source>Each stop gets a course window in the direction of travel: along the path of shapes.txt where the feed has one, else towards the next stop</source>
+        <translation>Каждой остановке задаётся курс по направлению движения: вдоль пути из shapes.txt, если он есть в фиде, иначе к следующей остановке</translation>
+    </message>
+    <message>
+        <source> deg</source>
+        <translation> °</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Импорт</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Tram</source>
+        <translation>Трамвай</translation>
+    </message>
+    <message>
+        <source>Metro</source>
+        <translation>Метро</translation>
+    </message>
+    <message>
+        <source>Rail</source>
+        <translation>Поезд</translation>
+    </message>
+    <message>
+        <source>Bus</source>
+        <translation>Автобус</translation>
+    </message>
+    <message>
+        <source>Ferry</source>
+        <translation>Паром</translation>
+    </message>
+    <message>
+        <source>Cable tram</source>
+        <translation>Канатный трамвай</translation>
+    </message>
+    <message>
+        <source>Aerial lift</source>
+        <translation>Канатная дорога</translation>
+    </message>
+    <message>
+        <source>Funicular</source>
+        <translation>Фуникулёр</translation>
+    </message>
+    <message>
+        <source>Trolleybus</source>
+        <translation>Троллейбус</translation>
+    </message>
+    <message>
+        <source>Monorail</source>
+        <translation>Монорельс</translation>
+    </message>
+    <message>
+        <source>Coach</source>
+        <translation>Междугородний автобус</translation>
+    </message>
+    <message>
+        <source>GTFS feed</source>
+        <translation>Фид GTFS</translation>
+    </message>
+    <message>
+        <source>GTFS feeds (*.zip);;All files (*.*)</source>
+        <translation>Фиды GTFS (*.zip);;Все файлы (*.*)</translation>
+    </message>
+    <message>
+        <source>GTFS feed folder</source>
+        <translation>Папка фида GTFS</translation>
+    </message>
+    <message>
+        <source>Reading the routes and trips of the feed…</source>
+        <translation>Чтение маршрутов и рейсов фида…</translation>
+    </message>
+    <message>
+        <source>Reading the stops and stop times of the selected routes…</source>
+        <translation>Чтение остановок и расписания выбранных маршрутов…</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Failed to read the GTFS feed:
+%1</source>
+        <translation>Не удалось прочитать фид GTFS:
+%1</translation>
+    </message>
+    <message>
+        <source>Selected routes: %1</source>
+        <translation>Выбрано маршрутов: %1</translation>
+    </message>
+    <message>
+        <source>Choose a feed: a zip file or a folder.</source>
+        <translation>Выберите фид: zip-файл или папку.</translation>
+    </message>
+    <message>
+        <source>Select the routes to import.</source>
+        <translation>Выберите маршруты для импорта.</translation>
+    </message>
+    <message>
+        <source>Press Show stops to see its stops.</source>
+        <translation>Нажмите «Показать остановки», чтобы увидеть его остановки.</translation>
+    </message>
+    <message>
+        <source>(empty branch)</source>
+        <translation>(пустое направление)</translation>
+    </message>
+    <message>
+        <source>Trips: %1 · stops: %2 · %3 – %4</source>
+        <translation>Рейсов: %1 · остановок: %2 · %3 – %4</translation>
+    </message>
+    <message>
+        <source>Direction %1 · trips: %2 · stops: %3 · %4 – %5</source>
+        <translation>Направление %1 · рейсов: %2 · остановок: %3 · %4 – %5</translation>
+    </message>
+</context>
+<context>
     <name>cGtfsRouteBuilder</name>
     <message>
         <source>The stops of route %1 have not been read from the feed.</source>
         <translation>Остановки маршрута %1 не прочитаны из фида.</translation>
+    </message>
+</context>
+<context>
+    <name>cImportGtfsCommand</name>
+    <message>
+        <source>Adds routes of a GTFS timetable feed to a project, creating the project if it does not exist.</source>
+        <translation>Добавляет в проект маршруты из фида расписания GTFS; если проекта нет, создаёт его.</translation>
+    </message>
+    <message>
+        <source>The feed: a zip file or an unpacked folder.</source>
+        <translation>Фид: zip-файл или распакованная папка.</translation>
+    </message>
+    <message>
+        <source>The project file (.vosk) the routes are added to.</source>
+        <translation>Файл проекта (.vosk), в который добавляются маршруты.</translation>
+    </message>
+    <message>
+        <source>Only the feed&apos;s route with this route_id or short name; may be given more than once. Every route of the feed without it.</source>
+        <translation>Только маршрут фида с этим route_id или кратким названием; можно указать несколько раз. Без параметра — все маршруты фида.</translation>
+    </message>
+    <message>
+        <source>ID</source>
+        <translation>ID</translation>
+    </message>
+    <message>
+        <source>Give every stop a course along the route, with this deviation in degrees (1 to 360).</source>
+        <translation>Задать каждой остановке курс вдоль маршрута с этим отклонением в градусах (от 1 до 360).</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+    <message>
+        <source>Cannot write the project %1.</source>
+        <translation>Не удалось записать проект %1.</translation>
+    </message>
+    <message>
+        <source>Added %1 [%2]: %3 direct and %4 reverse stops</source>
+        <translation>Добавлен %1 [%2]: остановок в прямом направлении — %3, в обратном — %4</translation>
+    </message>
+    <message>
+        <source>Routes in the project: %1. Saved %2.</source>
+        <translation>Маршрутов в проекте: %1. Сохранено в %2.</translation>
+    </message>
+    <message>
+        <source>The course deviation is a whole number of degrees from 1 to 360, not &quot;%1&quot;.</source>
+        <translation>Отклонение курса — целое число градусов от 1 до 360, а не «%1».</translation>
+    </message>
+    <message>
+        <source>The feed has no route with the id or short name &quot;%1&quot;.</source>
+        <translation>В фиде нет маршрута с id или кратким названием «%1».</translation>
+    </message>
+    <message>
+        <source>Cannot read the GTFS feed %1: %2</source>
+        <translation>Не удалось прочитать фид GTFS %1: %2</translation>
     </message>
 </context>
 <context>
@@ -336,6 +572,10 @@ voskantor-cli КОМАНДА --help описывает параметры ком
     <message>
         <source>There is no unsaved work to recover.</source>
         <translation>Несохранённой работы для восстановления нет.</translation>
+    </message>
+    <message>
+        <source>Import from GTFS…</source>
+        <translation>Импорт из GTFS…</translation>
     </message>
     <message>
         <source>Check project</source>
@@ -647,6 +887,17 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Errors: %1, warnings: %2</source>
         <translation>Ошибок: %1, предупреждений: %2</translation>
+    </message>
+</context>
+<context>
+    <name>cProgressTask</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Cancelling…</source>
+        <translation>Отмена чтения…</translation>
     </message>
 </context>
 <context>
@@ -985,6 +1236,10 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Failed to save route, file wasn&apos;t opened.</source>
         <translation>Не удалось сохранить маршрут: файл не открылся.</translation>
+    </message>
+    <message>
+        <source>Import from GTFS…</source>
+        <translation>Импорт из GTFS…</translation>
     </message>
     <message>
         <source>... and %1 more.</source>
