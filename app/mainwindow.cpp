@@ -114,6 +114,7 @@ void cMainWindow::createCheckCommands()
     addDockWidget(Qt::BottomDockWidgetArea, problemsDock);
     problemsDock->hide();
     connect(problemsDock, &cProblemsDock::problemActivated, this, &cMainWindow::showProblem);
+    connect(routeSelector, &cRouteSelector::problemsFound, this, &cMainWindow::showProblems);
 
     checkAction = new QAction(style()->standardIcon(QStyle::SP_DialogApplyButton), tr("Check project"), this);
     checkAction->setObjectName(QStringLiteral("checkProjectAction"));

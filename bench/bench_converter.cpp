@@ -4,49 +4,19 @@
 // The split comes from the converter's own log lines, timestamped here.
 
 #include "converter.h"
+#include "logmarks.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QEventLoop>
-#include <QMutex>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QVector>
 
 #include <cstdio>
 
 namespace {
 
 constexpr int fileCount = 100;
-
-QElapsedTimer runClock;
-QMutex marksMutex;
-QVector<QPair<qint64, QString>> marks;
-
-void markMessage(QtMsgType, const QMessageLogContext&, const QString& message)
-{
-    const qint64 now = runClock.nsecsElapsed();
-    QMutexLocker lock(&marksMutex);
-    marks.append({now, message.left(32)});
-}
-
-// Sum of the spans from each line starting with `from` to the next line
-// starting with `to`.
-double spanSeconds(const char* from, const char* to)
-{
-    qint64 sum = 0;
-    qint64 start = -1;
-    for (const auto& mark : qAsConst(marks)) {
-        if (mark.second.startsWith(QLatin1String(from)))
-            start = mark.first;
-        else if (start >= 0 && mark.second.startsWith(QLatin1String(to))) {
-            sum += mark.first - start;
-            start = -1;
-        }
-    }
-    return sum / 1e9;
-}
 
 } // namespace
 
@@ -79,17 +49,15 @@ int main(int argc, char** argv)
     QObject::connect(&converter, &cConverter::fileProcessed, [&failed](const QString&, bool ok) { failed += !ok; });
     QObject::connect(&converter, &cConverter::convertFinished, &loop, &QEventLoop::quit);
 
-    qInstallMessageHandler(markMessage);
-    runClock.start();
+    logmarks::start();
     converter.convert(files);
     loop.exec();
-    const double total = runClock.nsecsElapsed() / 1e9;
-    qInstallMessageHandler(nullptr);
+    const double total = logmarks::stop();
     converter.wait();
 
-    const double ffmpeg = spanSeconds("Process started:", "STD Output:");
-    const double start = spanSeconds("Running ffmpeg with args:", "Process started:");
-    const double rewrite = spanSeconds("Exit code:", "File done!");
+    const double ffmpeg = logmarks::spanSeconds("Process started:", "STD Output:");
+    const double start = logmarks::spanSeconds("Running ffmpeg with args:", "Process started:");
+    const double rewrite = logmarks::spanSeconds("Exit code:", "File done!");
     const double outside = total - ffmpeg;
     std::printf("converted %d one-second MP3 files, %d failed\n", fileCount, failed);
     std::printf("total              %8.3f s  %7.1f files/s\n", total, fileCount / total);

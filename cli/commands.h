@@ -5,6 +5,7 @@ class cCommand;
 
 // One subcommand each, defined in a file of its own.
 const cCommand& checkCommand();
+const cCommand& exportCommand();
 const cCommand& infoCommand();
 const cCommand& importGtfsCommand();
 

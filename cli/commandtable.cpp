@@ -3,5 +3,5 @@
 
 QList<const cCommand*> commandTable()
 {
-    return {&checkCommand(), &infoCommand(), &importGtfsCommand()};
+    return {&checkCommand(), &exportCommand(), &importGtfsCommand(), &infoCommand()};
 }

@@ -15,3 +15,17 @@ void cErrorDialog::setFiles(const QStringList& files)
 {
     ui->fileList->setPlainText(files.join(QStringLiteral(",\n")));
 }
+
+void cErrorDialog::setDifferences(const QStringList& differences)
+{
+    if (differences.isEmpty())
+        return;
+    const QString heading = tr("Not as written:");
+    if (ui->fileList->toPlainText().isEmpty()) {
+        ui->label->setText(heading);
+        ui->fileList->setPlainText(differences.join(QLatin1Char('\n')));
+    } else {
+        ui->fileList->appendPlainText(QStringLiteral("\n") + heading + QLatin1Char('\n')
+                                      + differences.join(QLatin1Char('\n')));
+    }
+}

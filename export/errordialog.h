@@ -19,6 +19,8 @@ public:
     ~cErrorDialog() override;
 
     void setFiles(const QStringList& files);
+    // What the read-back of the export found, below the files.
+    void setDifferences(const QStringList& differences);
 
 private:
     QScopedPointer<Ui::cErrorDialog> ui;

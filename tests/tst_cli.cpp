@@ -69,6 +69,7 @@ private slots:
     void infoListsRoutesSoundsAndBounds();
     void importGtfsCreatesThenAdds();
     void importGtfsFailuresLeaveTheProject();
+    void exportRefusesErrorsAndReportsFailures();
 
 private:
     cRun run(const QStringList& arguments, const QString& locale = QString());
@@ -129,7 +130,8 @@ void tst_Cli::runsWithoutDisplayOrGuiLibraries()
 
     const cRun help = run({"--help"});
     QCOMPARE(help.code, 0);
-    QVERIFY2(help.out.contains("\n  check ") && help.out.contains("\n  info "), qPrintable(help.out));
+    QVERIFY2(help.out.contains("\n  check ") && help.out.contains("\n  export ")
+                 && help.out.contains("\n  info "), qPrintable(help.out));
     QCOMPARE(run({"--version"}).out, QString("voskantor-cli 1.21.0.1\n"));
     const cRun russian = run({"check", m_project, "--route", "5"}, "ru_RU.UTF-8");
     QCOMPARE(russian.code, 0);
@@ -304,6 +306,42 @@ void tst_Cli::importGtfsFailuresLeaveTheProject()
     QVERIFY(writeFile(unreadable, "route = {}"));
     QCOMPARE(run({"import-gtfs", poa, unreadable}).code, 2);
     QCOMPARE(readFile(unreadable), QByteArray("route = {}"));
+}
+
+void tst_Cli::exportRefusesErrorsAndReportsFailures()
+{
+    const QString out = m_dir.filePath("card");
+    const cRun clean = run({"export", m_project, out, "--route", "5"});
+    QCOMPARE(clean.code, 0);
+    QCOMPARE(clean.out, QString("Exported 1 routes and 1 sounds into %1.\n").arg(out));
+    // Progress is for a terminal, not for a pipe.
+    QCOMPARE(clean.err, QString());
+    QVERIFY(QFile::exists(out + "/route/5.lua") && QFile::exists(out + "/voskdev/central.wav"));
+
+    const cRun refused = run({"export", m_project, m_dir.filePath("refused"), "--route", "12"});
+    QCOMPARE(refused.code, 1);
+    QVERIFY2(refused.err.contains("[missing-sound]") && refused.err.contains("--force"), qPrintable(refused.err));
+    QVERIFY(!QFile::exists(m_dir.filePath("refused")));
+
+    // Forced, the missing source still fails the export: no sound came of it.
+    const cRun forced = run({"export", m_project, m_dir.filePath("forced"), "--route", "12", "--force"});
+    QCOMPARE(forced.code, 1);
+    QVERIFY2(forced.err.contains("missing.wav was not written."), qPrintable(forced.err));
+    QVERIFY(QFile::exists(m_dir.filePath("forced/route/12.lua")));
+
+    // A source ffmpeg cannot decode is a conversion failure of its own.
+    const QString text = m_dir.filePath("text.mp3");
+    QVERIFY(writeFile(text, QByteArray("Not a sound at all.\n").repeated(20)));
+    cProjectManager manager;
+    cRoute undecodable = route("Текст", "3", "line", 2);
+    undecodable.direct.stops[0].sound = text;
+    manager.project()->routes << undecodable;
+    const QString project = m_dir.filePath("text.vosk");
+    QVERIFY(manager.saveProject(project));
+    const cRun failed = run({"export", project, m_dir.filePath("failed"), "--force"});
+    QCOMPARE(failed.code, 1);
+    QVERIFY2(failed.err.contains("[undecodable-sound]") && failed.err.contains("Failed: " + text),
+             qPrintable(failed.err));
 }
 
 QTEST_GUILESS_MAIN(tst_Cli)

@@ -17,6 +17,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTableWidget>
 
 #include <lua.hpp>
 
@@ -40,6 +41,10 @@ QString scriptDifference(const QByteArray& script, const cRoute& route)
 cRoute soundRoute(const QString& name, const QString& shortName, const QStringList& sounds = {})
 {
     cRoute route = sampleRoute();
+    // Placed beside the first stop, so that the check before the export has
+    // only the faults a case means.
+    route.direct.stops[1].lon = 30.51;
+    route.direct.stops[1].lat = 59.94;
     route.name = name;
     route.short_name = shortName;
     route.base_sound = {sounds.value(0), sounds.value(1), sounds.value(2)};
@@ -63,6 +68,9 @@ private slots:
     void exportConvertsEachSoundOnceAndListsFailures();
     void scriptsOnlyAndUnwritableFile();
     void cancelWritesNothingAndFolderIsKept();
+    void errorsFoundBeforehandCanBeShownInstead();
+    void missingSourceIsNeverPassedOver();
+    void commandLineWritesTheSameFiles();
 
 private:
     QString sound(const QString& name) const { return m_sounds.filePath(name); }
@@ -165,7 +173,9 @@ void tst_RouteExport::exportConvertsEachSoundOnceAndListsFailures()
     });
     QString listed;
     bool clearBehind = false;
+    QString question;
     exportRows({0, 1, 2}, m_out->path(), QDialogButtonBox::Ok, [&] {
+        answerMessageBox(&question, "Export anyway");
         answerNextModal([&](QWidget* dialog) {
             listed = dialog->findChild<QPlainTextEdit*>("fileList")->toPlainText();
             clearBehind = m_window->isEnabled() && !bar->isVisible();
@@ -175,9 +185,13 @@ void tst_RouteExport::exportConvertsEachSoundOnceAndListsFailures()
     QCOMPARE(m_tabs, (QStringList{"Депо — Вокзал", "Кольцо", "Сломанный"}));
     QTRY_COMPARE_WITH_TIMEOUT(pendingAnswers(), 0, 60000);
     QVERIFY(clearBehind);
+    // The check saw the undecodable file and a path the project file would
+    // not read back, and the user exported all the same.
+    QVERIFY2(question.startsWith("Save selected routes|The check found 2 errors"), qPrintable(question));
     // The undecodable file also leaves no output to rewrite: reported and
-    // listed twice, counted once.
-    QCOMPARE(listed, sound("broken.wav") + ",\n" + sound("broken.wav"));
+    // listed twice, counted once, and found missing on reading back.
+    QCOMPARE(listed, sound("broken.wav") + ",\n" + sound("broken.wav") + "\n\nNot as written:\n"
+                         + m_out->filePath("voskdev/broken.wav") + " was not written.");
     QCOMPARE(states, (QList<int>{16, 26, 36, 46, 56, 66, 66}));
     QStringList converted;
     for (const QList<QVariant>& report : processed)
@@ -215,6 +229,8 @@ void tst_RouteExport::scriptsOnlyAndUnwritableFile()
     QString message;
     QString listed;
     exportRows({3, 4, 5, 6}, m_out->path(), QDialogButtonBox::Ok, [&] {
+        // Both routes numbered 7 would write 7.lua.
+        answerMessageBox(nullptr, "Export anyway");
         answerMessageBox(&message);
         answerNextModal([&](QWidget* dialog) {
             listed = dialog->findChild<QPlainTextEdit*>("fileList")->toPlainText();
@@ -247,6 +263,66 @@ void tst_RouteExport::cancelWritesNothingAndFolderIsKept()
     QCOMPARE(QSettings().value("SaveDialog/Output").toString(), dir);
     m_window.reset(new cMainWindow);
     QCOMPARE(m_window->findChild<QLineEdit*>("outputDir")->text(), dir);
+}
+
+void tst_RouteExport::errorsFoundBeforehandCanBeShownInstead()
+{
+    exportRows({2}, m_out->path(), QDialogButtonBox::Ok, [] { answerMessageBox(nullptr, "Show problems"); });
+    QVERIFY(QDir(m_out->path()).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot));
+    auto* table = m_window->findChild<QTableWidget*>("problemTable");
+    QVERIFY(table->isVisible());
+    QStringList messages;
+    for (int row = 0; row < table->rowCount(); ++row)
+        messages << table->item(row, 4)->text();
+    QVERIFY2(messages.filter("broken.wav").size() == 1, qPrintable(messages.join('\n')));
+}
+
+// ffmpeg says only "No such file or directory" for a missing source, which
+// is no conversion failure of its own: the read-back still finds it.
+void tst_RouteExport::missingSourceIsNeverPassedOver()
+{
+    auto* manager = m_window->findChild<cProjectManager*>();
+    manager->project()->routes[4].base_sound.current = sound("gone.mp3");
+    QString listed;
+    exportRows({4}, m_out->path(), QDialogButtonBox::Ok, [&] {
+        answerMessageBox(nullptr, "Export anyway");
+        answerNextModal([&](QWidget* dialog) {
+            listed = dialog->findChild<QPlainTextEdit*>("fileList")->toPlainText();
+            dialog->close();
+        });
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(pendingAnswers(), 0, 30000);
+    QVERIFY2(listed.endsWith("Not as written:\n" + m_out->filePath("voskdev/gone.wav") + " was not written."),
+             qPrintable(listed));
+}
+
+void tst_RouteExport::commandLineWritesTheSameFiles()
+{
+    QVERIFY(QDir(m_out->path()).mkdir("window"));
+    exportRows({0, 4}, m_out->filePath("window"));
+    QTRY_VERIFY_WITH_TIMEOUT(m_window->isEnabled() && QFile::exists(m_out->filePath("window/voskdev/b.wav")), 30000);
+    QTRY_VERIFY(m_window->isEnabled());
+
+    auto* manager = m_window->findChild<cProjectManager*>();
+    const QString project = m_out->filePath("city.vosk");
+    QVERIFY(manager->saveProject(project));
+    QProcess cli;
+    cli.start(VOSK_CLI, {"export", project, m_out->filePath("cli"), "--route", "12/A", "--route", "Пустой тоже"});
+    QVERIFY(cli.waitForFinished(60000));
+    QCOMPARE(cli.exitCode(), 0);
+
+    QStringList compared;
+    for (const char* folder : {"route", "voskdev"}) {
+        const QDir window(m_out->filePath(QString("window/") + folder));
+        const QStringList files = window.entryList(QDir::Files, QDir::Name);
+        QCOMPARE(QDir(m_out->filePath(QString("cli/") + folder)).entryList(QDir::Files, QDir::Name), files);
+        for (const QString& file : files) {
+            QVERIFY2(readFile(window.filePath(file)) == readFile(m_out->filePath(QString("cli/%1/%2").arg(folder, file))),
+                     qPrintable(file));
+            compared << file;
+        }
+    }
+    QCOMPARE(compared, (QStringList{"12_A.lua", "7.lua", "a.wav", "b.wav", "shared.wav"}));
 }
 
 VOSK_GUI_TEST_MAIN(tst_RouteExport)

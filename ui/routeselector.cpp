@@ -4,9 +4,11 @@
 #include "converter.h"
 #include "errordialog.h"
 #include "gtfsimportdialog.h"
+#include "exportnames.h"
 #include "projecthistory.h"
 #include "projectmanager.h"
-#include "routetable.h"
+#include "routecheck.h"
+#include "routeexport.h"
 #include "rowmoves.h"
 #include "savedialog.h"
 #include "textrules.h"
@@ -57,35 +59,6 @@ QPushButton* makeButton(const QString& text, const QString& objectName, const QS
     if (!toolTip.isEmpty())
         button->setToolTip(toolTip);
     return button;
-}
-
-QString routeScript(const cRoute& route)
-{
-    return QStringLiteral("route =\n%1").arg(writeRoute(route, true));
-}
-
-// False when the script did not reach the disk whole, as on a full card,
-// which takes the open but not all of the bytes.
-bool writeScript(QFile& file, const QString& script)
-{
-    QTextStream stream(&file);
-    stream << script;
-    stream.flush();
-    const bool flushed = stream.status() == QTextStream::Ok && file.flush();
-    file.close();
-    return flushed && file.error() == QFileDevice::NoError;
-}
-
-// Every sound the device needs for the route, in the order the route uses
-// them; empty entries included.
-QStringList routeSounds(const cRoute& route)
-{
-    QStringList sounds{route.base_sound.current, route.base_sound.next, route.base_sound.last};
-    for (const cBranch* branch : {&route.direct, &route.reverse}) {
-        for (const cStop& stop : branch->stops)
-            sounds << stop.sound << stop.other_sounds;
-    }
-    return sounds;
 }
 
 } // namespace
@@ -170,12 +143,13 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
 
     saveDialog = new cSaveDialog(this);
     saveDialog->hide();
-    converter = new cConverter(this);
-    converter->setFileSaveType(0);
-    converter->setFileNameType(0);
-    connect(converter, &cConverter::convertFinished, this, &cRouteSelector::convertFinished);
-    connect(converter, &cConverter::fileProcessed, this, &cRouteSelector::fileProcessed);
-    connect(converter, &cConverter::writeFailed, this, [this] { writesFailed = true; });
+    routeExport = new cRouteExport(this);
+    connect(routeExport, &cRouteExport::scriptNotOpened, this, [this] {
+        QMessageBox::critical(this, tr("Error"), tr("Failed to save route, file wasn't opened."), QMessageBox::Ok);
+    });
+    connect(routeExport, &cRouteExport::conversionStarted, this, &cRouteSelector::conversionStarted);
+    connect(routeExport, &cRouteExport::fileProcessed, this, &cRouteSelector::fileProcessed);
+    connect(routeExport, &cRouteExport::finished, this, &cRouteSelector::exportFinished);
     progress = new cConvertProgress(this);
 }
 
@@ -503,99 +477,99 @@ void cRouteSelector::saveRoute()
     if (selected.isEmpty())
         return;
     const QList<cRoute>& routes = projectManager->project()->routes;
-    const auto findRoute = [&routes](const QListWidgetItem* item) -> const cRoute* {
+    QList<const cRoute*> chosen;
+    for (const QListWidgetItem* item : selected) {
         const QUuid id = itemId(item);
         const auto found = std::find_if(routes.begin(), routes.end(), [&id](const cRoute& r) { return r.id == id; });
-        return found == routes.end() ? nullptr : &*found;
-    };
+        if (found != routes.end())
+            chosen << &*found;
+    }
 
     saveDialog->clearPages();
-    for (const QListWidgetItem* item : selected) {
-        if (const cRoute* route = findRoute(item)) {
-            const QString baseName = route->short_name.isEmpty() ? route->name : route->short_name;
-            saveDialog->addPage(route->id, route->name, routeScript(*route), baseName);
-        }
-    }
+    for (const cRoute* route : qAsConst(chosen))
+        saveDialog->addPage(route->id, route->name, cRouteExport::routeScript(*route), scriptBaseName(*route));
     if (saveDialog->exec() != QDialog::Accepted)
         return;
 
-    // Folders that cannot be made or entered leave the files in the output
-    // folder itself.
-    QDir scriptDir(saveDialog->outputDir());
-    scriptDir.mkdir(QStringLiteral("route"));
-    scriptDir.cd(QStringLiteral("route"));
-    soundFiles.clear();
-    failedFiles.clear();
-    writesFailed = false;
-    for (const QListWidgetItem* item : selected) {
-        const cRoute* route = findRoute(item);
-        if (!route)
-            continue;
-        const QString path = scriptDir.absoluteFilePath(saveDialog->fileName(route->id));
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
-            qDebug().noquote() << "File was not opened:" << path;
-            QMessageBox::critical(this, tr("Error"), tr("Failed to save route, file wasn't opened."),
-                                  QMessageBox::Ok);
-        } else if (!writeScript(file, routeScript(*route))) {
-            qDebug().noquote() << "File was not written whole:" << path;
-            failedFiles << path;
-            writesFailed = true;
-        }
-        soundFiles << routeSounds(*route);
-    }
-    soundFiles.removeDuplicates();
-    // Null and empty strings compare equal: this drops both.
-    soundFiles.removeAll(QString());
-    qDebug().noquote() << "Sound files:" << soundFiles;
+    QList<cExportItem> items;
+    for (const cRoute* route : qAsConst(chosen))
+        items << cExportItem{*route, saveDialog->fileName(route->id)};
+    if (checkBeforeExport(items))
+        routeExport->start(items, saveDialog->outputDir());
+}
 
-    QDir soundDir(saveDialog->outputDir());
-    soundDir.mkdir(QStringLiteral("voskdev"));
-    soundDir.cd(QStringLiteral("voskdev"));
-    converter->setOutputDir(soundDir.absolutePath());
-    if (soundFiles.isEmpty()) {
-        if (writesFailed)
-            showFailedFiles();
-        return;
+// With errors the user decides: export all the same, or see the problems
+// first. Warnings alone do not hold the export up.
+bool cRouteSelector::checkBeforeExport(const QList<cExportItem>& items)
+{
+    cCheckOptions options;
+    options.converter = cConverter::program();
+    options.outputDir = saveDialog->outputDir();
+    QList<cRoute> routes;
+    for (const cExportItem& item : items) {
+        routes << item.route;
+        options.scriptFileNames.insert(item.route.id, item.scriptFileName);
     }
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const QList<cProblem> problems = cRouteCheck::run(routes, options);
+    QApplication::restoreOverrideCursor();
+    const int errors = errorCount(problems);
+    if (errors == 0)
+        return true;
 
+    QStringList shown;
+    for (const cProblem& problem : problems) {
+        if (problem.severity() == Severity::Error && shown.size() < 5)
+            shown << QStringLiteral("%1: %2").arg(cProblemText::place(problem), problem.message);
+    }
+    if (errors > shown.size())
+        shown << tr("... and %1 more.").arg(errors - shown.size());
+    QMessageBox box(QMessageBox::Warning, tr("Save selected routes"),
+                    tr("The check found %1 errors: the device would announce these routes wrongly or not at all.")
+                        .arg(errors),
+                    QMessageBox::NoButton, this);
+    box.setInformativeText(shown.join(QStringLiteral("\n\n")));
+    QPushButton* exportButton = box.addButton(tr("Export anyway"), QMessageBox::AcceptRole);
+    QPushButton* showButton = box.addButton(tr("Show problems"), QMessageBox::RejectRole);
+    box.setDefaultButton(showButton);
+    box.exec();
+    if (box.clickedButton() == exportButton) {
+        qDebug() << "Exporting despite" << errors << "errors";
+        return true;
+    }
+    emit problemsFound(problems);
+    return false;
+}
+
+void cRouteSelector::conversionStarted(const QStringList& sources)
+{
     // Right after the dialog closes the platform may not have handed
     // activation back yet.
     blockedWindow = QApplication::activeWindow();
     if (!blockedWindow || !blockedWindow->isVisible())
         blockedWindow = window();
     blockedWindow->setEnabled(false);
-    progress->start(soundFiles);
-    converter->convert(soundFiles);
+    progress->start(sources);
 }
 
-void cRouteSelector::convertFinished(bool ok)
+void cRouteSelector::exportFinished(const cExportResult& result)
 {
     progress->finish();
     QWidget* target = blockedWindow ? blockedWindow.data() : QApplication::activeWindow();
     if (target)
         target->setEnabled(true);
     blockedWindow.clear();
-    if (!ok)
-        qDebug() << "Error converting sound files";
-    if (!ok || writesFailed)
-        showFailedFiles();
+    if (!result.converted || result.writesFailed || !result.differences.isEmpty()) {
+        cErrorDialog dialog(this);
+        dialog.setFiles(result.failedFiles);
+        dialog.setDifferences(result.differences);
+        dialog.exec();
+    }
 }
 
-void cRouteSelector::showFailedFiles()
-{
-    cErrorDialog dialog(this);
-    dialog.setFiles(failedFiles);
-    dialog.exec();
-}
-
-void cRouteSelector::fileProcessed(const QString& fn, bool result)
+void cRouteSelector::fileProcessed(const QString& fn)
 {
     progress->fileProcessed(fn);
-    if (result)
-        return;
-    failedFiles << fn;
-    qDebug().noquote() << "Error converting sound file:" << fn;
 }
 
 void cRouteSelector::setError(bool error, const QString& message)

@@ -1,6 +1,8 @@
 #ifndef VOSK_ROUTESELECTOR_H
 #define VOSK_ROUTESELECTOR_H
 
+#include "problem.h"
+
 #include <QDockWidget>
 #include <QPointer>
 #include <QString>
@@ -13,7 +15,9 @@ class QListWidgetItem;
 class QMenu;
 class QVBoxLayout;
 class cConvertProgress;
-class cConverter;
+class cRouteExport;
+struct cExportItem;
+struct cExportResult;
 class cProjectHistory;
 class cProjectManager;
 class cSaveDialog;
@@ -51,6 +55,9 @@ signals:
     void routeAdded(const QUuid& id);
     void routeDeleted(const QUuid& id);
     void fileNameChanged(const QString& fileName);
+    // The check before an export found errors and the user wants to see
+    // them.
+    void problemsFound(const QList<cProblem>& problems);
 
 public slots:
     void routeChangedSlot(const QUuid& id);
@@ -72,8 +79,9 @@ private slots:
     void routeDeleteRequest();
     void routeImported(const QUuid& id);
     void saveRoute();
-    void convertFinished(bool ok);
-    void fileProcessed(const QString& fn, bool result);
+    void conversionStarted(const QStringList& sources);
+    void exportFinished(const cExportResult& result);
+    void fileProcessed(const QString& fn);
 
 private:
     enum class ImportKind { Evt, Lua };
@@ -83,7 +91,7 @@ private:
     void moveRoutesTo(int destination);
     void openProjectFile(const QString& path);
     void setError(bool error, const QString& message = QString());
-    void showFailedFiles();
+    bool checkBeforeExport(const QList<cExportItem>& items);
     QString askProjectFile(bool forSaving);
     bool confirmUnsafeTexts();
     QListWidgetItem* itemFor(const QUuid& id) const;
@@ -96,13 +104,8 @@ private:
     QMenu* routeMenu;
     QAction* addAction;
     QAction* deleteAction;
-    cConverter* converter;
+    cRouteExport* routeExport;
     cSaveDialog* saveDialog;
-    QStringList soundFiles;
-    QStringList failedFiles;
-    // Scripts or sounds that reached the disk only in part; they are listed
-    // even when every sound could be decoded.
-    bool writesFailed = false;
     QString fileName;
     cConvertProgress* progress;
     // The window disabled while sounds convert; it is enabled again even if

@@ -151,6 +151,92 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>Failed to convert sound files:</source>
         <translation>Не удалось преобразовать звуковые файлы:</translation>
     </message>
+    <message>
+        <source>Not as written:</source>
+        <translation>Записано не так:</translation>
+    </message>
+</context>
+<context>
+    <name>cExportCommand</name>
+    <message>
+        <source>Writes the routes&apos; scripts and converted sounds for the device, as the window&apos;s export does.</source>
+        <translation>Записывает скрипты маршрутов и преобразованные звуки для устройства, как экспорт в окне.</translation>
+    </message>
+    <message>
+        <source>The project file (.vosk).</source>
+        <translation>Файл проекта (.vosk).</translation>
+    </message>
+    <message>
+        <source>The folder to write into: scripts go to route, sounds to voskdev.</source>
+        <translation>Папка для записи: скрипты попадают в route, звуки в voskdev.</translation>
+    </message>
+    <message>
+        <source>Export even when the check finds errors.</source>
+        <translation>Экспортировать, даже если проверка нашла ошибки.</translation>
+    </message>
+    <message>
+        <source>Nothing exported: the check found errors. --force exports all the same.</source>
+        <translation>Ничего не экспортировано: проверка нашла ошибки. С --force экспорт выполняется всё равно.</translation>
+    </message>
+    <message>
+        <source>Cannot make the folder %1</source>
+        <translation>Не удаётся создать папку %1</translation>
+    </message>
+    <message>
+        <source>Failed: %1</source>
+        <translation>Ошибка: %1</translation>
+    </message>
+    <message>
+        <source>Exported %1 routes and %2 sounds into %3.</source>
+        <translation>Экспортировано маршрутов: %1, звуков: %2, в папку %3.</translation>
+    </message>
+    <message>
+        <source>Cannot write %1</source>
+        <translation>Не удаётся записать %1</translation>
+    </message>
+    <message>
+        <source>Converted %1 of %2: %3</source>
+        <translation>Преобразовано %1 из %2: %3</translation>
+    </message>
+</context>
+<context>
+    <name>cExportVerifier</name>
+    <message>
+        <source>%1 cannot be read back.</source>
+        <translation>%1 не удаётся прочитать обратно.</translation>
+    </message>
+    <message>
+        <source>%1 does not read back as a route: %2</source>
+        <translation>%1 не читается как маршрут: %2</translation>
+    </message>
+    <message>
+        <source>a stop has no id</source>
+        <translation>у остановки нет идентификатора</translation>
+    </message>
+    <message>
+        <source>%1 reads back differently: &quot;%2&quot; instead of &quot;%3&quot;.</source>
+        <translation>%1 читается иначе: «%2» вместо «%3».</translation>
+    </message>
+    <message>
+        <source>%1 was not written.</source>
+        <translation>%1 не записан.</translation>
+    </message>
+    <message>
+        <source>%1 was not written by this export.</source>
+        <translation>%1 записан не этим экспортом.</translation>
+    </message>
+    <message>
+        <source>%1 has no WAV header.</source>
+        <translation>У %1 нет заголовка WAV.</translation>
+    </message>
+    <message>
+        <source>%1 is not 8000 Hz mono 16-bit PCM (%2 Hz, %3 channels, %4 bits).</source>
+        <translation>%1 не в формате PCM 8000 Гц, моно, 16 бит (%2 Гц, каналов: %3, бит: %4).</translation>
+    </message>
+    <message>
+        <source>%1 states %2 bytes of sound, but holds %3.</source>
+        <translation>%1 указывает %2 байт звука, но содержит %3.</translation>
+    </message>
 </context>
 <context>
     <name>cFeedArchive</name>
@@ -1276,6 +1362,18 @@ Save anyway?</source>
             <numerusform>Перемещение %n маршрутов</numerusform>
             <numerusform>Перемещение %n маршрутов</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>The check found %1 errors: the device would announce these routes wrongly or not at all.</source>
+        <translation>Проверка нашла ошибок: %1. Устройство объявит эти маршруты неверно или не объявит вовсе.</translation>
+    </message>
+    <message>
+        <source>Export anyway</source>
+        <translation>Всё равно экспортировать</translation>
+    </message>
+    <message>
+        <source>Show problems</source>
+        <translation>Показать проблемы</translation>
     </message>
 </context>
 <context>
