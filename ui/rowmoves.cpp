@@ -39,7 +39,9 @@ cListDropFilter::cListDropFilter(QAbstractItemView* view)
 
 bool cListDropFilter::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched != m_view->viewport() || event->type() != QEvent::Drop)
+    // The type first: the viewport still sends events while the view is
+    // being destroyed.
+    if (event->type() != QEvent::Drop || watched != m_view->viewport())
         return false;
     auto* drop = static_cast<QDropEvent*>(event);
     // Only rows of this list move; anything else dropped is refused.
