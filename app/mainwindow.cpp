@@ -3,6 +3,7 @@
 #include "autosaver.h"
 #include "converter.h"
 #include "problemsdock.h"
+#include "projecthistory.h"
 #include "projectmanager.h"
 #include "recoverydialog.h"
 #include "replaywindow.h"
@@ -22,9 +23,13 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QSettings>
+#include <QDockWidget>
+#include <QKeySequence>
 #include <QTabWidget>
 #include <QStyle>
 #include <QToolBar>
+#include <QUndoStack>
+#include <QUndoView>
 
 #include <algorithm>
 
@@ -55,6 +60,11 @@ cMainWindow::cMainWindow(QWidget* parent)
     stopFixer = new cStopFixer(projectManager, this);
     connect(stopFixer, &cStopFixer::stopChanged, stopEditor, &cStopEditor::showStopChange);
     connect(stopFixer, &cStopFixer::stopChanged, this, &cMainWindow::changesDetectedSlot);
+    connect(stopFixer, &cStopFixer::stopFixed, this,
+            [this](const QUuid& routeId, bool reverse, const cStop& before, const cStop& after) {
+                history->stopEdited({routeId, reverse ? Branch::Reverse : Branch::Direct, before, after},
+                                    tr("Apply suggested fix to '%1'").arg(after.name));
+            });
     connect(routeSelector, &cRouteSelector::replayRequested, this, &cMainWindow::showReplay);
 
     connect(routeSelector, &cRouteSelector::routeChanged, routeEditor, &cRouteEditor::routeChangedSlot);
@@ -78,6 +88,7 @@ cMainWindow::cMainWindow(QWidget* parent)
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
     createCheckCommands();
+    createHistory();
 
     autosaver = new cAutosaver(projectManager, this);
     connectAutosave();
@@ -97,6 +108,16 @@ cMainWindow::cMainWindow(QWidget* parent)
 cMainWindow::~cMainWindow()
 {
     saveWindowSettings();
+}
+
+void cMainWindow::createHistory()
+{
+    history = new cProjectHistory(projectManager, this);
+    routeSelector->setHistory(history);
+    routeEditor->setHistory(history);
+    stopEditor->setHistory(history);
+    connect(history, &cProjectHistory::applied, this, &cMainWindow::showEditPlace);
+    connect(history, &cProjectHistory::cleanStateChanged, this, &cMainWindow::historyCleanChanged);
 }
 
 void cMainWindow::createCheckCommands()
@@ -130,6 +151,7 @@ void cMainWindow::buildMenus()
     QAction* recover = fileMenu->addAction(tr("Recover unsaved work…"));
     recover->setObjectName(QStringLiteral("recoverAction"));
     connect(recover, &QAction::triggered, this, &cMainWindow::recoverUnsavedWork);
+    buildEditMenu();
 
     QMenu* routeMenu = menuBar()->addMenu(tr("&Route"));
     routeMenu->setObjectName(QStringLiteral("routeMenu"));
@@ -140,6 +162,50 @@ void cMainWindow::buildMenus()
     QMenu* toolsMenu = menuBar()->addMenu(tr("&Tools"));
     toolsMenu->setObjectName(QStringLiteral("toolsMenu"));
     toolsMenu->addAction(checkAction);
+}
+
+void cMainWindow::buildEditMenu()
+{
+    QMenu* editMenu = menuBar()->addMenu(tr("&Edit"));
+    editMenu->setObjectName(QStringLiteral("editMenu"));
+    QUndoStack* stack = history->stack();
+
+    QAction* undo = editMenu->addAction(style()->standardIcon(QStyle::SP_ArrowBack), tr("Undo"));
+    undo->setObjectName(QStringLiteral("undoAction"));
+    undo->setShortcuts(QKeySequence::Undo);
+    undo->setEnabled(false);
+    connect(undo, &QAction::triggered, stack, &QUndoStack::undo);
+    connect(stack, &QUndoStack::canUndoChanged, undo, &QAction::setEnabled);
+    connect(stack, &QUndoStack::undoTextChanged, undo, [this, undo](const QString& step) {
+        undo->setText(step.isEmpty() ? tr("Undo") : tr("Undo %1").arg(step));
+    });
+
+    QAction* redo = editMenu->addAction(style()->standardIcon(QStyle::SP_ArrowForward), tr("Redo"));
+    redo->setObjectName(QStringLiteral("redoAction"));
+    // Ctrl+Y as well, which not every desktop lists among its redo keys.
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    const QKeySequence ctrlY(Qt::CTRL | Qt::Key_Y);
+    if (!redoKeys.contains(ctrlY))
+        redoKeys << ctrlY;
+    redo->setShortcuts(redoKeys);
+    redo->setEnabled(false);
+    connect(redo, &QAction::triggered, stack, &QUndoStack::redo);
+    connect(stack, &QUndoStack::canRedoChanged, redo, &QAction::setEnabled);
+    connect(stack, &QUndoStack::redoTextChanged, redo, [this, redo](const QString& step) {
+        redo->setText(step.isEmpty() ? tr("Redo") : tr("Redo %1").arg(step));
+    });
+
+    auto* historyDock = new QDockWidget(tr("History"), this);
+    historyDock->setObjectName(QStringLiteral("historyDock"));
+    auto* view = new QUndoView(stack, historyDock);
+    view->setEmptyLabel(tr("Project as opened"));
+    historyDock->setWidget(view);
+    addDockWidget(Qt::RightDockWidgetArea, historyDock);
+    historyDock->hide();
+    editMenu->addSeparator();
+    QAction* showHistory = historyDock->toggleViewAction();
+    showHistory->setText(tr("History"));
+    editMenu->addAction(showHistory);
 }
 
 // Every edit reaches the autosave, also those that leave the modified mark
@@ -156,6 +222,7 @@ void cMainWindow::connectAutosave()
     connect(stopFixer, &cStopFixer::stopChanged, autosaver, &cAutosaver::projectChanged);
     connect(projectManager, &cProjectManager::projectOpened, autosaver, &cAutosaver::projectChanged);
     connect(routeSelector, &cRouteSelector::fileNameChanged, autosaver, &cAutosaver::setProjectFile);
+    connect(history, &cProjectHistory::applied, autosaver, &cAutosaver::projectChanged);
 }
 
 void cMainWindow::offerRecovery()
@@ -261,6 +328,29 @@ void cMainWindow::showProblem(const QUuid& routeId, Branch branch, const QUuid& 
     }
     tabWidget->setCurrentWidget(stopEditor);
     stopEditor->selectStop(branch == Branch::Reverse, stopId);
+}
+
+// Undo and redo show what they changed: the route, and for stops the
+// branch and the stops, on the tab that holds them.
+void cMainWindow::showEditPlace(const cEditPlace& place)
+{
+    stopEditor->holdFormWrites(true);
+    routeSelector->showRoute(place.routeId);
+    if (place.branch == Branch::None) {
+        tabWidget->setCurrentWidget(routeEditor);
+    } else {
+        tabWidget->setCurrentWidget(stopEditor);
+        stopEditor->showStops(place.branch == Branch::Reverse, place.stopIds);
+    }
+    stopEditor->holdFormWrites(false);
+}
+
+void cMainWindow::historyCleanChanged(bool clean)
+{
+    if (clean)
+        noChangesDetectedSlot();
+    else
+        changesDetectedSlot();
 }
 
 void cMainWindow::routeSelected(const QUuid& id)

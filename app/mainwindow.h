@@ -13,6 +13,8 @@ class QTabWidget;
 class cAutosaver;
 struct cAutosaveEntry;
 class cProblemsDock;
+class cProjectHistory;
+struct cEditPlace;
 class cProjectManager;
 class cReplayWindow;
 class cRouteEditor;
@@ -49,9 +51,13 @@ private slots:
     void checkProject();
     void showProblems(const QList<cProblem>& problems);
     void showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId);
+    void showEditPlace(const cEditPlace& place);
+    void historyCleanChanged(bool clean);
 
 private:
     void buildMenus();
+    void buildEditMenu();
+    void createHistory();
     void connectAutosave();
     void showRecovery(const QList<cAutosaveEntry>& entries);
     void createCheckCommands();
@@ -68,6 +74,7 @@ private:
     cReplayWindow* replayWindow = nullptr;
     QAction* replayAction = nullptr;
     QUuid currentRouteId;
+    cProjectHistory* history = nullptr;
     cProblemsDock* problemsDock = nullptr;
     QAction* checkAction = nullptr;
     bool modified = false;

@@ -1,6 +1,7 @@
 #ifndef VOSK_STOPFIXER_H
 #define VOSK_STOPFIXER_H
 
+#include "project.h"
 #include "replayresult.h"
 
 #include <QObject>
@@ -24,6 +25,9 @@ public:
 
 signals:
     void stopChanged(const QUuid& id);
+    // The record before and after a fix, so the edit history can take it
+    // back as one step.
+    void stopFixed(const QUuid& routeId, bool reverse, const cStop& before, const cStop& after);
 
 private:
     cProjectManager* m_manager;

@@ -3,6 +3,7 @@
 #include "ui_routeeditor.h"
 
 #include "player.h"
+#include "projecthistory.h"
 #include "projectmanager.h"
 #include "soundselector.h"
 #include "unsafetextmark.h"
@@ -53,6 +54,11 @@ cRouteEditor::cRouteEditor(cProjectManager* manager, QWidget* parent)
 }
 
 cRouteEditor::~cRouteEditor() = default;
+
+void cRouteEditor::setHistory(cProjectHistory* projectHistory)
+{
+    history = projectHistory;
+}
 
 cRoute* cRouteEditor::findRoute(const QUuid& id) const
 {
@@ -117,6 +123,7 @@ void cRouteEditor::routeEdited()
     cRoute* route = findRoute(routeId);
     if (!route)
         return;
+    const cRouteFields before = cRouteFields::of(*route);
     // The whole form, whichever field changed.
     route->name = ui->nameEdit->text();
     route->short_name = ui->shortNameEdit->text();
@@ -128,6 +135,8 @@ void cRouteEditor::routeEdited()
     route->base_sound.current = currentSound->soundFile();
     route->base_sound.next = nextSound->soundFile();
     route->base_sound.last = lastSound->soundFile();
+    if (history)
+        history->routeFieldsEdited(routeId, before, cRouteFields::of(*route));
     emit routeChanged(routeId);
 }
 

@@ -10,6 +10,7 @@ namespace Ui {
 class cRouteEditor;
 }
 class cPlayer;
+class cProjectHistory;
 class cProjectManager;
 struct cRoute;
 class cSoundSelector;
@@ -24,6 +25,9 @@ class cRouteEditor : public QWidget
 public:
     cRouteEditor(cProjectManager* manager, QWidget* parent = nullptr);
     ~cRouteEditor() override;
+
+    // Edits are recorded there from now on.
+    void setHistory(cProjectHistory* history);
 
 signals:
     void routeChanged(const QUuid& id);
@@ -46,6 +50,7 @@ private:
     std::unique_ptr<Ui::cRouteEditor> ui;
     cProjectManager* projectManager;
     QUuid routeId;
+    cProjectHistory* history = nullptr;
     cPlayer* player;
     cSoundSelector* currentSound;
     cSoundSelector* nextSound;

@@ -5,9 +5,11 @@
 #include "errordialog.h"
 #include "gtfsimportdialog.h"
 #include "exportnames.h"
+#include "projecthistory.h"
 #include "projectmanager.h"
 #include "routecheck.h"
 #include "routeexport.h"
+#include "rowmoves.h"
 #include "savedialog.h"
 #include "textrules.h"
 
@@ -102,6 +104,7 @@ cRouteSelector::cRouteSelector(cProjectManager* manager, QWidget* parent)
     connect(routeList, &QListWidget::itemClicked, this, &cRouteSelector::itemClicked);
     connect(routeList, &QListWidget::itemActivated, this, &cRouteSelector::itemClicked);
     connect(routeList, &QListWidget::customContextMenuRequested, this, &cRouteSelector::routeListContextMenu);
+    connect(new cListDropFilter(routeList), &cListDropFilter::dropped, this, &cRouteSelector::moveRoutesTo);
     layout->addWidget(routeList);
     connect(projectManager, &cProjectManager::routeImported, this, &cRouteSelector::routeImported);
 
@@ -166,6 +169,19 @@ void cRouteSelector::routeChangedSlot(const QUuid& id)
             return;
         }
     }
+}
+
+void cRouteSelector::setHistory(cProjectHistory* projectHistory)
+{
+    history = projectHistory;
+}
+
+void cRouteSelector::showRoute(const QUuid& id)
+{
+    fillList();
+    QListWidgetItem* item = itemFor(id);
+    routeList->setCurrentItem(item);
+    emit routeSelected(itemId(item));
 }
 
 void cRouteSelector::selectRoute(const QUuid& id)
@@ -305,6 +321,9 @@ void cRouteSelector::addRoute()
     route.base_text.next = tr("Next: ");
     route.base_text.last = tr(". Last");
     projectManager->project()->routes.append(route);
+    if (history)
+        history->routeListChanged({}, {qMakePair(projectManager->project()->routes.size() - 1, route)},
+                                  tr("Add route '%1'").arg(route.name));
 
     QListWidgetItem* item = makeItem(route.name, route.id);
     routeList->addItem(item);
@@ -332,12 +351,15 @@ void cRouteSelector::importRoute(ImportKind kind)
     if (path.isEmpty())
         return;
     QString error;
+    const cProjectHistory::cImportMark mark = history ? history->beginImport() : cProjectHistory::cImportMark();
     const bool ok = evt ? projectManager->importEvtRoute(path, &error) : projectManager->importLuaRoute(path, &error);
     if (!ok) {
         qDebug().noquote() << (evt ? "Error importing evt-route!" : "Error importing lua-route!") << error;
         QMessageBox::critical(this, tr("Error"), tr("Failed to import route to project:\n%1").arg(error),
                               QMessageBox::Ok);
     }
+    if (history)
+        history->endImport(mark);
     storeSettingsValue(lastImportKey, path);
 }
 
@@ -350,14 +372,22 @@ void cRouteSelector::importRouteGtfs()
         return;
     const QList<cRoute> routes = dialog.routes();
     qDebug().noquote() << "Importing" << routes.size() << "routes from GTFS feed" << dialog.feedPath();
+    const cProjectHistory::cImportMark mark = history ? history->beginImport() : cProjectHistory::cImportMark();
     projectManager->importRoutes(routes);
+    if (history)
+        history->endImport(mark);
 }
 
-void cRouteSelector::projectOpened()
+void cRouteSelector::fillList()
 {
     routeList->clear();
     for (const cRoute& route : qAsConst(projectManager->project()->routes))
         routeList->addItem(makeItem(route.name, route.id));
+}
+
+void cRouteSelector::projectOpened()
+{
+    fillList();
     if (routeList->count() > 0) {
         routeList->setCurrentRow(0);
         itemClicked(routeList->item(0));
@@ -369,7 +399,10 @@ void cRouteSelector::itemChanged(QListWidgetItem* item)
     const QUuid id = itemId(item);
     for (cRoute& route : projectManager->project()->routes) {
         if (route.id == id) {
+            const cRouteFields before = cRouteFields::of(route);
             route.name = item->text();
+            if (history)
+                history->routeFieldsEdited(id, before, cRouteFields::of(route));
             break;
         }
     }
@@ -400,10 +433,39 @@ void cRouteSelector::routeDeleteRequest()
     const auto found = std::find_if(routes.begin(), routes.end(), [&id](const cRoute& route) { return route.id == id; });
     if (found == routes.end())
         return;
+    const int row = static_cast<int>(found - routes.begin());
+    if (history)
+        history->routeListChanged({qMakePair(row, *found)}, {}, tr("Delete route '%1'").arg(found->name));
     routes.erase(found);
     delete item;
     itemClicked(routeList->currentItem());
     emit routeDeleted(id);
+}
+
+// Items stand in the order of the routes, so list rows are route rows.
+void cRouteSelector::moveRoutesTo(int destination)
+{
+    QList<int> rows;
+    for (const QListWidgetItem* item : routeList->selectedItems())
+        rows << routeList->row(item);
+    std::sort(rows.begin(), rows.end());
+    const QList<int> to = droppedRows(rows, destination);
+    if (rows.isEmpty() || rows == to)
+        return;
+    QList<cRoute>& routes = projectManager->project()->routes;
+    const auto entries = moveEntries(routes, rows, to);
+    spliceRows(routes, entries.first, entries.second);
+    const QUuid first = entries.second.first().second.id;
+    if (history)
+        history->routeListChanged(entries.first, entries.second,
+                                  rows.size() == 1 ? tr("Move route '%1'").arg(entries.first.first().second.name)
+                                                   : tr("Move %n routes", nullptr, rows.size()));
+    fillList();
+    for (int row : to)
+        routeList->item(row)->setSelected(true);
+    routeList->setCurrentItem(routeList->item(to.first()), QItemSelectionModel::NoUpdate);
+    emit routeSelected(first);
+    emit routeChanged(first);
 }
 
 void cRouteSelector::routeImported(const QUuid& id)

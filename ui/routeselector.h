@@ -18,6 +18,7 @@ class cConvertProgress;
 class cRouteExport;
 struct cExportItem;
 struct cExportResult;
+class cProjectHistory;
 class cProjectManager;
 class cSaveDialog;
 
@@ -42,6 +43,11 @@ public:
     // Opens an autosave in place of the project. The work belongs to
     // `projectFile` (empty for a project never saved), which Save writes.
     bool openRecovered(const QString& autosave, const QString& projectFile);
+    // Edits are recorded there from now on.
+    void setHistory(cProjectHistory* history);
+    // Refills the list from the project and selects the route, after the
+    // records changed behind the list (undo and redo).
+    void showRoute(const QUuid& id);
 
 signals:
     void routeChanged(const QUuid& id);
@@ -83,6 +89,8 @@ private:
     enum class ImportKind { Evt, Lua };
 
     void importRoute(ImportKind kind);
+    void fillList();
+    void moveRoutesTo(int destination);
     void openProjectFile(const QString& path);
     void setError(bool error, const QString& message = QString());
     bool checkBeforeExport(const QList<cExportItem>& items);
@@ -94,6 +102,7 @@ private:
 
     QListWidget* routeList;
     cProjectManager* projectManager;
+    cProjectHistory* history = nullptr;
     QMenu* routeMenu;
     QAction* addAction;
     QAction* deleteAction;

@@ -4,6 +4,7 @@
 #include "expanderwidget.h"
 #include "mapviewer.h"
 #include "player.h"
+#include "projecthistory.h"
 #include "projectmanager.h"
 #include "soundselector.h"
 #include "unsafetextmark.h"
@@ -14,8 +15,13 @@
 #include <QLabel>
 #include <QLocale>
 #include <QMenu>
+#include <QMessageBox>
 #include <QStandardItemModel>
+#include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -52,6 +58,21 @@ public:
         return QDoubleValidator::validate(input, pos);
     }
 };
+
+// The branch the other way: the same places in reverse order as new stops,
+// each course window turned round.
+QList<cStop> mirroredStops(const QList<cStop>& stops)
+{
+    QList<cStop> mirrored;
+    for (auto stop = stops.crbegin(); stop != stops.crend(); ++stop) {
+        cStop copy = *stop;
+        copy.id = QUuid::createUuid();
+        if (copy.course_enabled)
+            copy.course_value = (copy.course_value + 180) % 360;
+        mirrored << copy;
+    }
+    return mirrored;
+}
 
 // Refilling the form must not move the caret of the field being typed in.
 void showText(QLineEdit* edit, const QString& text)
@@ -99,12 +120,22 @@ cStopEditor::cStopEditor(cProjectManager* manager, QWidget* parent)
     routeDirectionChanged(0);
     ui->stopList->setContextMenuPolicy(Qt::CustomContextMenu);
     ui->stopList->setModel(directModel);
+    ui->stopList->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    connect(new cListDropFilter(ui->stopList), &cListDropFilter::dropped, this, &cStopEditor::moveStopsTo);
 
     menu = new QMenu(ui->stopList);
     addAction = menu->addAction(tr("Add"));
     deleteAction = menu->addAction(tr("Delete"));
     connect(addAction, &QAction::triggered, this, &cStopEditor::addStop);
     connect(deleteAction, &QAction::triggered, this, &cStopEditor::delStop);
+    menu->addSeparator();
+    mirrorAction = menu->addAction(style()->standardIcon(QStyle::SP_BrowserReload), tr("Make reverse from direct"));
+    mirrorAction->setObjectName(QStringLiteral("mirrorBranchAction"));
+    connect(mirrorAction, &QAction::triggered, this, &cStopEditor::mirrorBranch);
+    auto* mirrorButton = new QToolButton(this);
+    mirrorButton->setObjectName(QStringLiteral("mirrorBranchBtn"));
+    mirrorButton->setDefaultAction(mirrorAction);
+    ui->stopButtonsLayout->addWidget(mirrorButton);
 
     buildExpander();
     connect(ui->courseEnabled, &QCheckBox::clicked, this, &cStopEditor::courseEnable);
@@ -162,8 +193,15 @@ void cStopEditor::connectFieldsQueued()
     const auto queued = Qt::QueuedConnection;
     for (QLineEdit* edit : {ui->stopNameEdit, ui->stopFullNameEdit, ui->lonEdit, ui->latEdit, ui->otherTextEdit})
         connect(edit, &QLineEdit::textEdited, this, &cStopEditor::stopEdited, queued);
-    for (QSpinBox* spin : {ui->radiusEdit, ui->courseEdit, ui->diffEdit})
+    for (QSpinBox* spin : {ui->radiusEdit, ui->courseEdit, ui->diffEdit}) {
+        connect(spin, QOverload<int>::of(&QSpinBox::valueChanged), this, [this] {
+            if (formWritesHeld)
+                ++droppedWrites;
+            else if (fillingForm)
+                ++pendingWriteBacks;
+        });
         connect(spin, QOverload<int>::of(&QSpinBox::valueChanged), this, &cStopEditor::stopEdited, queued);
+    }
     connect(ui->isKeyStop, &QCheckBox::clicked, this, &cStopEditor::stopEdited, queued);
     connect(ui->courseEnabled, &QCheckBox::clicked, this, &cStopEditor::stopEdited, queued);
     connect(firstNameEdit, &QLineEdit::textEdited, this, &cStopEditor::branchEdited, queued);
@@ -171,6 +209,16 @@ void cStopEditor::connectFieldsQueued()
     for (QLineEdit* edit :
          {ui->stopNameEdit, ui->stopFullNameEdit, ui->otherTextEdit, firstNameEdit, lastNameEdit})
         watchUnsafeText(edit);
+}
+
+void cStopEditor::setHistory(cProjectHistory* projectHistory)
+{
+    history = projectHistory;
+}
+
+Branch cStopEditor::shownBranchKind() const
+{
+    return showsReverse() ? Branch::Reverse : Branch::Direct;
 }
 
 bool cStopEditor::showsReverse() const
@@ -249,10 +297,8 @@ void cStopEditor::routeSelected(const QUuid& id)
         routeId = QUuid();
         return;
     }
-    for (const cStop& stop : route->direct.stops)
-        directModel->appendRow(makeItem(stop.name, stop.id));
-    for (const cStop& stop : route->reverse.stops)
-        reverseModel->appendRow(makeItem(stop.name, stop.id));
+    fillModel(directModel, route->direct);
+    fillModel(reverseModel, route->reverse);
     routeDirectionChanged(ui->isReverse->value());
 }
 
@@ -270,8 +316,69 @@ void cStopEditor::selectStop(bool reverse, const QUuid& stopId)
     }
 }
 
+void cStopEditor::fillModel(QStandardItemModel* model, const cBranch& branch)
+{
+    model->removeRows(0, model->rowCount());
+    for (const cStop& stop : branch.stops)
+        model->appendRow(makeItem(stop.name, stop.id));
+}
+
+void cStopEditor::showStops(bool reverse, const QList<QUuid>& stopIds)
+{
+    ui->isReverse->setValue(reverse ? 1 : 0);
+    QList<int> rows;
+    QStandardItemModel* model = shownModel();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        if (stopIds.contains(idOf(model->index(row, 0))))
+            rows << row;
+    }
+    selectRows(rows);
+}
+
+void cStopEditor::holdFormWrites(bool hold)
+{
+    formWritesHeld = hold;
+}
+
+// The first row becomes the current one, as if clicked.
+void cStopEditor::selectRows(const QList<int>& rows)
+{
+    QStandardItemModel* model = shownModel();
+    QItemSelection selection;
+    for (int row : rows)
+        selection.select(model->index(row, 0), model->index(row, 0));
+    if (rows.isEmpty()) {
+        clearEditors();
+        return;
+    }
+    const QModelIndex first = model->index(rows.first(), 0);
+    ui->stopList->setCurrentIndex(first);
+    ui->stopList->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    itemClicked(first);
+}
+
+QList<int> cStopEditor::selectedRows() const
+{
+    QList<int> rows;
+    for (const QModelIndex& index : ui->stopList->selectionModel()->selectedRows())
+        rows << index.row();
+    if (rows.isEmpty() && ui->stopList->currentIndex().isValid())
+        rows << ui->stopList->currentIndex().row();
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void cStopEditor::recordBranchStops(const cRowEntries<cStop>& removed, const cRowEntries<cStop>& inserted,
+                                    const QString& text)
+{
+    if (history)
+        history->branchStopsChanged(routeId, shownBranchKind(), removed, inserted, text);
+}
+
 void cStopEditor::routeDirectionChanged(int val)
 {
+    if (mirrorAction)
+        mirrorAction->setText(val == 1 ? tr("Make direct from reverse") : tr("Make reverse from direct"));
     QItemSelectionModel* previous = ui->stopList->selectionModel();
     if (val == 1) {
         qDebug() << "direction changed to reverse";
@@ -326,11 +433,13 @@ void cStopEditor::itemClicked(const QModelIndex& index)
         ui->isKeyStop->setChecked(stop->is_key_stop);
         showText(ui->lonEdit, coordinateText(stop->lon));
         showText(ui->latEdit, coordinateText(stop->lat));
+        fillingForm = true;
         ui->radiusEdit->setValue(stop->radius);
         ui->courseEnabled->setChecked(stop->course_enabled);
         courseEnable(stop->course_enabled);
         ui->courseEdit->setValue(stop->course_value);
         ui->diffEdit->setValue(stop->course_diff);
+        fillingForm = false;
         stopSound->setSoundFile(stop->sound);
         for (int i = 0; i < otherSoundCount; ++i)
             otherSounds[i]->setSoundFile(stop->other_sounds.value(i));
@@ -371,6 +480,13 @@ void cStopEditor::clearEditors()
 
 void cStopEditor::stopEdited()
 {
+    if (droppedWrites > 0) {
+        --droppedWrites;
+        return;
+    }
+    const bool writeBack = pendingWriteBacks > 0;
+    if (writeBack)
+        --pendingWriteBacks;
     const QModelIndex current = ui->stopList->currentIndex();
     cStop* stop = stopOf(current);
     if (!stop)
@@ -379,6 +495,7 @@ void cStopEditor::stopEdited()
     // name refills the form from the record, which must hold the form by
     // then (a centre just taken from the map, say).
     const QUuid id = stop->id;
+    const cStop before = *stop;
     stop->name = ui->stopNameEdit->text();
     stop->full_name = ui->stopFullNameEdit->text();
     stop->is_key_stop = ui->isKeyStop->isChecked();
@@ -393,6 +510,10 @@ void cStopEditor::stopEdited()
     for (const cSoundSelector* field : qAsConst(otherSounds))
         stop->other_sounds << field->soundFile();
     stop->other_text = ui->otherTextEdit->text();
+    if (history && writeBack)
+        history->stopWrittenBack({routeId, shownBranchKind(), before, *stop});
+    else if (history)
+        history->stopEdited({routeId, shownBranchKind(), before, *stop});
     shownModel()->setData(current, stop->name, Qt::DisplayRole);
     emit stopChanged(id);
     qDebug() << "Stop edited:" << id;
@@ -405,7 +526,10 @@ void cStopEditor::itemChanged(QStandardItem* item)
     if (!stop)
         return;
     const QUuid id = stop->id;
+    const cStop before = *stop;
     stop->name = item->text();
+    if (history)
+        history->stopEdited({routeId, shownBranchKind(), before, *stop});
     itemClicked(index);
     emit stopChanged(id);
 }
@@ -433,6 +557,7 @@ void cStopEditor::addStop()
     stop.lon = where.x();
     stop.lat = where.y();
     branch->stops.append(stop);
+    recordBranchStops({}, {qMakePair(branch->stops.size() - 1, stop)}, tr("Add stop '%1'").arg(stop.name));
 
     model->appendRow(makeItem(stop.name, stop.id));
     const QModelIndex index = model->index(model->rowCount() - 1, 0);
@@ -444,59 +569,95 @@ void cStopEditor::addStop()
 
 void cStopEditor::delStop()
 {
-    const QModelIndex current = ui->stopList->currentIndex();
-    const cStop* stop = stopOf(current);
-    if (!stop)
-        return;
-    const QUuid id = stop->id;
-    qDebug() << "Deleting stop:" << id;
     cBranch* branch = shownBranch();
-    branch->stops.erase(std::find_if(branch->stops.begin(), branch->stops.end(),
-                                     [&id](const cStop& candidate) { return candidate.id == id; }));
-    shownModel()->removeRow(current.row());
-    if (shownModel()->rowCount() == 0)
-        clearEditors();
+    const QList<int> rows = selectedRows();
+    if (!branch || rows.isEmpty() || rows.last() >= branch->stops.size())
+        return;
+    cRowEntries<cStop> removed;
+    for (int row : rows) {
+        qDebug() << "Deleting stop:" << branch->stops.at(row).id;
+        removed << qMakePair(row, branch->stops.at(row));
+    }
+    spliceRows(branch->stops, removed, {});
+    recordBranchStops(removed, {},
+                      rows.size() == 1 ? tr("Delete stop '%1'").arg(removed.first().second.name)
+                                       : tr("Delete %n stops", nullptr, rows.size()));
+    fillModel(shownModel(), *branch);
+    if (branch->stops.isEmpty())
+        selectRows({});
     else
-        itemClicked(ui->stopList->currentIndex());
+        selectRows({std::min(rows.first(), branch->stops.size() - 1)});
     emit branchChanged(routeId);
 }
 
 void cStopEditor::upStop()
 {
-    const QModelIndex current = ui->stopList->currentIndex();
-    if (current.isValid() && current.row() > 0)
-        moveCurrentStop(-1);
+    const QList<int> rows = selectedRows();
+    if (!rows.isEmpty() && rows.first() > 0)
+        moveSelectedStops(rows, shiftedRows(rows, -1));
 }
 
 void cStopEditor::downStop()
 {
-    const QModelIndex current = ui->stopList->currentIndex();
-    if (current.isValid() && current.row() < shownModel()->rowCount() - 1)
-        moveCurrentStop(+1);
+    const QList<int> rows = selectedRows();
+    if (!rows.isEmpty() && rows.last() < shownModel()->rowCount() - 1)
+        moveSelectedStops(rows, shiftedRows(rows, +1));
 }
 
-void cStopEditor::moveCurrentStop(int offset)
+void cStopEditor::moveStopsTo(int destination)
 {
-    const QModelIndex current = ui->stopList->currentIndex();
-    const cStop* stop = stopOf(current);
-    if (!stop)
-        return;
-    cBranch* branch = shownBranch();
-    const QUuid id = stop->id;
-    const auto found = std::find_if(branch->stops.begin(), branch->stops.end(),
-                                    [&id](const cStop& candidate) { return candidate.id == id; });
-    const int position = static_cast<int>(found - branch->stops.begin());
-    if (position + offset < 0 || position + offset >= branch->stops.size())
-        return;
-    branch->stops.swapItemsAt(position, position + offset);
+    const QList<int> rows = selectedRows();
+    moveSelectedStops(rows, droppedRows(rows, destination));
+}
 
-    QStandardItemModel* model = shownModel();
-    const int row = current.row();
-    const QList<QStandardItem*> items = model->takeRow(row);
-    model->insertRow(row + offset, items);
-    const QModelIndex moved = model->index(row + offset, 0);
-    ui->stopList->setCurrentIndex(moved);
-    itemClicked(moved);
+// Rows of the list are rows of the branch: both are filled in its order.
+void cStopEditor::moveSelectedStops(const QList<int>& rows, const QList<int>& to)
+{
+    cBranch* branch = shownBranch();
+    if (!branch || rows.isEmpty() || rows == to || rows.last() >= branch->stops.size())
+        return;
+    const auto entries = moveEntries(branch->stops, rows, to);
+    spliceRows(branch->stops, entries.first, entries.second);
+    recordBranchStops(entries.first, entries.second,
+                      rows.size() == 1 ? tr("Move stop '%1'").arg(entries.first.first().second.name)
+                                       : tr("Move %n stops", nullptr, rows.size()));
+    fillModel(shownModel(), *branch);
+    selectRows(to);
+    emit branchChanged(routeId);
+}
+
+void cStopEditor::mirrorBranch()
+{
+    cRoute* route = shownRoute();
+    if (!route)
+        return;
+    const bool toReverse = !showsReverse();
+    const cBranch& from = toReverse ? route->direct : route->reverse;
+    cBranch& to = toReverse ? route->reverse : route->direct;
+    if (!to.stops.isEmpty()) {
+        const QString question =
+            toReverse ? tr("The reverse branch has %n stop(s). Replace them with the direct branch in reverse order?",
+                           nullptr, to.stops.size())
+                      : tr("The direct branch has %n stop(s). Replace them with the reverse branch in reverse order?",
+                           nullptr, to.stops.size());
+        if (QMessageBox::question(this, mirrorAction->text(), question, QMessageBox::Yes | QMessageBox::No,
+                                  QMessageBox::No)
+            != QMessageBox::Yes)
+            return;
+    }
+    cRowEntries<cStop> removed;
+    for (int row = 0; row < to.stops.size(); ++row)
+        removed << qMakePair(row, to.stops.at(row));
+    to.stops = mirroredStops(from.stops);
+    cRowEntries<cStop> inserted;
+    for (int row = 0; row < to.stops.size(); ++row)
+        inserted << qMakePair(row, to.stops.at(row));
+    if (history)
+        history->branchStopsChanged(routeId, toReverse ? Branch::Reverse : Branch::Direct, removed, inserted,
+                                    mirrorAction->text());
+    qDebug() << "Branch mirrored, stops:" << to.stops.size();
+    fillModel(toReverse ? reverseModel : directModel, to);
+    ui->isReverse->setValue(toReverse ? 1 : 0);
     emit branchChanged(routeId);
 }
 
@@ -505,8 +666,11 @@ void cStopEditor::branchEdited()
     cBranch* branch = shownBranch();
     if (!branch)
         return;
+    const QPair<QString, QString> before(branch->first, branch->last);
     branch->first = firstNameEdit->text();
     branch->last = lastNameEdit->text();
+    if (history)
+        history->branchNamesEdited(routeId, shownBranchKind(), before, qMakePair(branch->first, branch->last));
     qDebug() << "Branch edited";
     emit branchChanged(routeId);
 }

@@ -1,6 +1,9 @@
 #ifndef VOSK_STOPEDITOR_H
 #define VOSK_STOPEDITOR_H
 
+#include "problem.h"
+#include "rowmoves.h"
+
 #include <QPersistentModelIndex>
 #include <QUuid>
 #include <QWidget>
@@ -13,6 +16,7 @@ class QStandardItemModel;
 struct cBranch;
 class cMapViewer;
 class cPlayer;
+class cProjectHistory;
 class cProjectManager;
 class cSoundSelector;
 struct cRoute;
@@ -36,6 +40,14 @@ public:
     // Shows the branch and makes the stop the current one, as a click on it
     // does.
     void selectStop(bool reverse, const QUuid& stopId);
+    // Edits are recorded there from now on.
+    void setHistory(cProjectHistory* history);
+    // Shows the branch with these stops selected, after undo or redo put
+    // them back.
+    void showStops(bool reverse, const QList<QUuid>& stopIds);
+    // While held, stops loaded into the form are not written back: after
+    // undo or redo that write would be a new step and end the redo history.
+    void holdFormWrites(bool hold);
 
 signals:
     void stopChanged(const QUuid& id);
@@ -68,6 +80,8 @@ private slots:
     void branchEdited();
     void clearEditors();
     void routeRenamed(const QString& oldName, const QString& newName);
+    void mirrorBranch();
+    void moveStopsTo(int destination);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -81,7 +95,13 @@ private:
     cBranch* shownBranch() const;
     QStandardItemModel* shownModel() const;
     cStop* stopOf(const QModelIndex& index) const;
-    void moveCurrentStop(int offset);
+    void moveSelectedStops(const QList<int>& rows, const QList<int>& to);
+    QList<int> selectedRows() const;
+    Branch shownBranchKind() const;
+    void fillModel(QStandardItemModel* model, const cBranch& branch);
+    void selectRows(const QList<int>& rows);
+    void recordBranchStops(const cRowEntries<cStop>& removed, const cRowEntries<cStop>& inserted,
+                           const QString& text);
     void setCentrePending(bool pending);
     static QStandardItem* makeItem(const QString& name, const QUuid& id);
 
@@ -96,6 +116,14 @@ private:
     QMenu* menu = nullptr;
     QAction* addAction = nullptr;
     QAction* deleteAction = nullptr;
+    QAction* mirrorAction = nullptr;
+    cProjectHistory* history = nullptr;
+    // Spin boxes set while a stop is loaded write it back once the event
+    // loop runs; those writes are no edits of the user's.
+    bool fillingForm = false;
+    int pendingWriteBacks = 0;
+    bool formWritesHeld = false;
+    int droppedWrites = 0;
     cPlayer* player = nullptr;
     QLineEdit* firstNameEdit = nullptr;
     QLineEdit* lastNameEdit = nullptr;

@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU">
 <context>
+    <name>cBranchNamesCommand</name>
+    <message>
+        <source>Edit branch names</source>
+        <translation>Изменение имён направления</translation>
+    </message>
+</context>
+<context>
     <name>cCheckCommand</name>
     <message>
         <source>Looks for what would make the device announce a route wrongly or not at all.</source>
@@ -680,6 +687,38 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>Replay track…</source>
         <translation>Проиграть трек…</translation>
     </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Правка</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Отменить</translation>
+    </message>
+    <message>
+        <source>Undo %1</source>
+        <translation>Отменить: %1</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Повторить</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>Повторить: %1</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>История</translation>
+    </message>
+    <message>
+        <source>Project as opened</source>
+        <translation>Проект при открытии</translation>
+    </message>
+    <message>
+        <source>Apply suggested fix to &apos;%1&apos;</source>
+        <translation>Исправление остановки «%1» по поездке</translation>
+    </message>
 </context>
 <context>
     <name>cMapViewer</name>
@@ -957,6 +996,21 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Cancelling…</source>
         <translation>Отмена чтения…</translation>
+    </message>
+</context>
+<context>
+    <name>cProjectHistory</name>
+    <message>
+        <source>Import route &apos;%1&apos;</source>
+        <translation>Импорт маршрута «%1»</translation>
+    </message>
+    <message numerus="yes">
+        <source>Import %n routes</source>
+        <translation>
+            <numerusform>Импорт %n маршрута</numerusform>
+            <numerusform>Импорт %n маршрутов</numerusform>
+            <numerusform>Импорт %n маршрутов</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1435,6 +1489,17 @@ Longitude %3, latitude %4</source>
     </message>
 </context>
 <context>
+    <name>cRouteFieldsCommand</name>
+    <message>
+        <source>Rename route &apos;%1&apos;</source>
+        <translation>Переименование маршрута «%1»</translation>
+    </message>
+    <message>
+        <source>Edit route &apos;%1&apos;</source>
+        <translation>Изменение маршрута «%1»</translation>
+    </message>
+</context>
+<context>
     <name>cRouteSelector</name>
     <message>
         <source>Routes</source>
@@ -1598,6 +1663,26 @@ Save anyway?</source>
         <source>Replay track…</source>
         <translation>Проиграть трек…</translation>
     </message>
+    <message>
+        <source>Add route &apos;%1&apos;</source>
+        <translation>Добавление маршрута «%1»</translation>
+    </message>
+    <message>
+        <source>Delete route &apos;%1&apos;</source>
+        <translation>Удаление маршрута «%1»</translation>
+    </message>
+    <message>
+        <source>Move route &apos;%1&apos;</source>
+        <translation>Перемещение маршрута «%1»</translation>
+    </message>
+    <message numerus="yes">
+        <source>Move %n routes</source>
+        <translation>
+            <numerusform>Перемещение %n маршрута</numerusform>
+            <numerusform>Перемещение %n маршрутов</numerusform>
+            <numerusform>Перемещение %n маршрутов</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>cSaveDialog</name>
@@ -1730,6 +1815,21 @@ Save anyway?</source>
     </message>
 </context>
 <context>
+    <name>cStopCommand</name>
+    <message>
+        <source>Rename stop &apos;%1&apos;</source>
+        <translation>Переименование остановки «%1»</translation>
+    </message>
+    <message>
+        <source>Place stop &apos;%1&apos;</source>
+        <translation>Размещение остановки «%1»</translation>
+    </message>
+    <message>
+        <source>Edit stop &apos;%1&apos;</source>
+        <translation>Изменение остановки «%1»</translation>
+    </message>
+</context>
+<context>
     <name>cStopEditor</name>
     <message>
         <source>Form</source>
@@ -1858,6 +1958,58 @@ Save anyway?</source>
     <message>
         <source>Not applied yet: the next edit of this stop writes it</source>
         <translation>Ещё не применено: запишется при следующем изменении этой остановки</translation>
+    </message>
+    <message>
+        <source>Make reverse from direct</source>
+        <translation>Обратное из прямого</translation>
+    </message>
+    <message>
+        <source>Make direct from reverse</source>
+        <translation>Прямое из обратного</translation>
+    </message>
+    <message>
+        <source>Add stop &apos;%1&apos;</source>
+        <translation>Добавление остановки «%1»</translation>
+    </message>
+    <message>
+        <source>Delete stop &apos;%1&apos;</source>
+        <translation>Удаление остановки «%1»</translation>
+    </message>
+    <message numerus="yes">
+        <source>Delete %n stops</source>
+        <translation>
+            <numerusform>Удаление %n остановки</numerusform>
+            <numerusform>Удаление %n остановок</numerusform>
+            <numerusform>Удаление %n остановок</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Move stop &apos;%1&apos;</source>
+        <translation>Перемещение остановки «%1»</translation>
+    </message>
+    <message numerus="yes">
+        <source>Move %n stops</source>
+        <translation>
+            <numerusform>Перемещение %n остановки</numerusform>
+            <numerusform>Перемещение %n остановок</numerusform>
+            <numerusform>Перемещение %n остановок</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The reverse branch has %n stop(s). Replace them with the direct branch in reverse order?</source>
+        <translation>
+            <numerusform>В обратном направлении %n остановка. Заменить её остановками прямого в обратном порядке?</numerusform>
+            <numerusform>В обратном направлении %n остановки. Заменить их остановками прямого в обратном порядке?</numerusform>
+            <numerusform>В обратном направлении %n остановок. Заменить их остановками прямого в обратном порядке?</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The direct branch has %n stop(s). Replace them with the reverse branch in reverse order?</source>
+        <translation>
+            <numerusform>В прямом направлении %n остановка. Заменить её остановками обратного в обратном порядке?</numerusform>
+            <numerusform>В прямом направлении %n остановки. Заменить их остановками обратного в обратном порядке?</numerusform>
+            <numerusform>В прямом направлении %n остановок. Заменить их остановками обратного в обратном порядке?</numerusform>
+        </translation>
     </message>
 </context>
 <context>
