@@ -1,0 +1,110 @@
+// A project file above Lua 5.1's 262,143 constants, which is read in
+// pieces, damaged near the places where the pieces meet. The input is a list
+// of edits, each: a boundary (2 bytes), an offset from it of -256 to 255
+// (2 bytes), an operation and a length (1 byte each), and for insertions
+// and overwrites that many bytes. Boundaries are where routes begin, which
+// is where the reader cuts its pieces.
+#include "fuzzsupport.h"
+#include "projectfile.h"
+#include "projectmanager.h"
+
+#include <QVector>
+
+namespace {
+
+QByteArray base;
+QVector<int> boundaries;
+int routeCount = 0;
+
+// Stops whose other sounds are numbered apart give the constants: a
+// project of 2,000 stops with 132 sounds each, as short as the format
+// writes them.
+cProject largeProject()
+{
+    cProject project;
+    int serial = 0;
+    for (int r = 0; r < 40; ++r) {
+        cRoute route;
+        route.id = QUuid::createUuid();
+        route.name = QStringLiteral("R%1").arg(r);
+        for (QList<cStop>* stops : {&route.direct.stops, &route.reverse.stops}) {
+            for (int s = 0; s < 25; ++s) {
+                cStop stop;
+                stop.id = QUuid::createUuid();
+                stop.name = QString::number(serial, 36);
+                for (int k = 0; k < 132; ++k)
+                    stop.other_sounds << QString::number(++serial, 36);
+                *stops << stop;
+            }
+        }
+        project.routes << route;
+    }
+    return project;
+}
+
+quint16 take16(const uint8_t*& data, const uint8_t* end)
+{
+    quint16 value = 0;
+    for (int i = 0; i < 2 && data != end; ++i)
+        value = quint16(value << 8 | *data++);
+    return value;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
+{
+    fuzz::initialise(argc, argv);
+    const cProject project = largeProject();
+    routeCount = project.routes.size();
+    base = writeProject(project, false).toLocal8Bit();
+    for (int at = base.indexOf("{\n  version"); at >= 0; at = base.indexOf("{\n  version", at + 1))
+        boundaries << at;
+    boundaries << base.size();
+    // Undamaged, it must open whole, or the harness tests nothing.
+    cProjectManager manager;
+    if (!manager.openProject(fuzz::writeInput(base)) || manager.project()->routes.size() != routeCount)
+        fuzz::fail("the undamaged large project does not open");
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    QByteArray text = base;
+    const uint8_t* end = data + size;
+    for (int edit = 0; edit < 8 && end - data >= 6; ++edit) {
+        const int boundary = boundaries.at(take16(data, end) % boundaries.size());
+        const int at = qBound(0, boundary + take16(data, end) % 512 - 256, text.size());
+        const int operation = data[0] % 4;
+        const int length = qMin(int(data[1]), int(end - data - 2));
+        data += 2;
+        const QByteArray bytes = fuzz::bytes(data, size_t(length));
+        switch (operation) {
+        case 0:
+            text.insert(at, bytes);
+            data += length;
+            break;
+        case 1:
+            text.replace(at, length, bytes);
+            data += length;
+            break;
+        case 2:
+            text.remove(at, length);
+            break;
+        default:
+            text.truncate(at);
+            break;
+        }
+    }
+    cProjectManager manager;
+    if (!manager.openProject(fuzz::writeInput(text)))
+        return 0;
+    for (const cRoute& route : manager.project()->routes) {
+        FUZZ_CHECK(!route.id.isNull());
+        for (const cBranch* branch : {&route.direct, &route.reverse}) {
+            for (const cStop& stop : branch->stops)
+                FUZZ_CHECK(!stop.id.isNull());
+        }
+    }
+    return 0;
+}
