@@ -1,14 +1,17 @@
 // A project file above Lua 5.1's 262,143 constants, which is read in
-// pieces, damaged near the places where the pieces meet. The input is a list
-// of edits, each: a boundary (2 bytes), an offset from it of -256 to 255
-// (2 bytes), an operation and a length (1 byte each), and for insertions
-// and overwrites that many bytes. Boundaries are where routes begin, which
-// is where the reader cuts its pieces.
+// pieces, damaged where the pieces meet. The input is a list of edits,
+// each: a boundary (2 bytes), an offset from it of -256 to 255 (2 bytes),
+// an operation and a length (1 byte each), and for insertions and
+// overwrites that many bytes. Boundaries are where routes begin, which is
+// where the reader cuts its pieces, past the point where Lua gives up on
+// the whole file: damage before it would only meet Lua's own parser.
 #include "fuzzsupport.h"
 #include "projectfile.h"
 #include "projectmanager.h"
 
 #include <QVector>
+
+#include <lua.hpp>
 
 namespace {
 
@@ -16,29 +19,35 @@ QByteArray base;
 QVector<int> boundaries;
 int routeCount = 0;
 
-// Stops whose other sounds are numbered apart give the constants: a
-// project of 2,000 stops with 132 sounds each, as short as the format
-// writes them.
+cRoute route(int stopsPerBranch, int soundsPerStop, int* serial)
+{
+    cRoute route;
+    route.id = QUuid::createUuid();
+    route.name = QString::number(*serial, 36);
+    for (QList<cStop>* stops : {&route.direct.stops, &route.reverse.stops}) {
+        for (int s = 0; s < stopsPerBranch; ++s) {
+            cStop stop;
+            stop.id = QUuid::createUuid();
+            stop.name = QString::number(++*serial, 36);
+            for (int k = 0; k < soundsPerStop; ++k)
+                stop.other_sounds << QString::number(++*serial, 36);
+            *stops << stop;
+        }
+    }
+    return route;
+}
+
+// Ten routes of stops with many other sounds, numbered apart, hold the
+// constants (270,000, as short as the format writes them); the ordinary
+// routes after them fill several pieces.
 cProject largeProject()
 {
     cProject project;
     int serial = 0;
-    for (int r = 0; r < 40; ++r) {
-        cRoute route;
-        route.id = QUuid::createUuid();
-        route.name = QStringLiteral("R%1").arg(r);
-        for (QList<cStop>* stops : {&route.direct.stops, &route.reverse.stops}) {
-            for (int s = 0; s < 25; ++s) {
-                cStop stop;
-                stop.id = QUuid::createUuid();
-                stop.name = QString::number(serial, 36);
-                for (int k = 0; k < 132; ++k)
-                    stop.other_sounds << QString::number(++serial, 36);
-                *stops << stop;
-            }
-        }
-        project.routes << route;
-    }
+    for (int r = 0; r < 10; ++r)
+        project.routes << route(25, 530, &serial);
+    for (int r = 0; r < 60; ++r)
+        project.routes << route(10, 0, &serial);
     return project;
 }
 
@@ -58,10 +67,19 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
     const cProject project = largeProject();
     routeCount = project.routes.size();
     base = writeProject(project, false).toLocal8Bit();
-    for (int at = base.indexOf("{\n  version"); at >= 0; at = base.indexOf("{\n  version", at + 1))
-        boundaries << at;
+    int route = 0;
+    for (int at = base.indexOf("{\n  version"); at >= 0; at = base.indexOf("{\n  version", at + 1)) {
+        if (route++ >= 10)
+            boundaries << at;
+    }
     boundaries << base.size();
-    // Undamaged, it must open whole, or the harness tests nothing.
+    // Too large for Lua at once, yet opened whole, or the harness tests nothing.
+    lua_State* stock = luaL_newstate();
+    const bool tooLarge = luaL_loadbuffer(stock, base.constData(), size_t(base.size()), "=chunk") != 0
+        && QByteArray(lua_tostring(stock, -1)) == "constant table overflow";
+    lua_close(stock);
+    if (!tooLarge)
+        fuzz::fail("the large project is not above the constant limit");
     cProjectManager manager;
     if (!manager.openProject(fuzz::writeInput(base)) || manager.project()->routes.size() != routeCount)
         fuzz::fail("the undamaged large project does not open");
