@@ -8,6 +8,7 @@
 #include "fuzzsupport.h"
 #include "projectfile.h"
 #include "projectmanager.h"
+#include "routechecks.h"
 
 #include <QVector>
 
@@ -117,12 +118,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     cProjectManager manager;
     if (!manager.openProject(fuzz::writeInput(text)))
         return 0;
-    for (const cRoute& route : manager.project()->routes) {
-        FUZZ_CHECK(!route.id.isNull());
-        for (const cBranch* branch : {&route.direct, &route.reverse}) {
-            for (const cStop& stop : branch->stops)
-                FUZZ_CHECK(!stop.id.isNull());
-        }
-    }
+    fuzz::checkIds(manager.project()->routes);
     return 0;
 }

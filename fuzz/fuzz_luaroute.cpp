@@ -1,6 +1,7 @@
 // Device route scripts taken back into a project.
 #include "fuzzsupport.h"
 #include "projectmanager.h"
+#include "routechecks.h"
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
@@ -17,12 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QList<cRoute>& routes = manager.project()->routes;
     FUZZ_CHECK(routes.size() <= 1);
     // The device form creates every id the script lacks.
-    for (const cRoute& route : routes) {
-        FUZZ_CHECK(!route.id.isNull());
-        for (const cBranch* branch : {&route.direct, &route.reverse}) {
-            for (const cStop& stop : branch->stops)
-                FUZZ_CHECK(!stop.id.isNull());
-        }
-    }
+    fuzz::checkIds(routes);
     return 0;
 }

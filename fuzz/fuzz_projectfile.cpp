@@ -1,6 +1,7 @@
 // Project files: opened as the editor opens them, from a file on disk.
 #include "fuzzsupport.h"
 #include "projectmanager.h"
+#include "routechecks.h"
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
@@ -15,12 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     // An opened project can be worked on: every record has its id.
     FUZZ_CHECK(!manager.project()->id.isNull());
-    for (const cRoute& route : manager.project()->routes) {
-        FUZZ_CHECK(!route.id.isNull());
-        for (const cBranch* branch : {&route.direct, &route.reverse}) {
-            for (const cStop& stop : branch->stops)
-                FUZZ_CHECK(!stop.id.isNull());
-        }
-    }
+    fuzz::checkIds(manager.project()->routes);
     return 0;
 }
