@@ -51,8 +51,12 @@ bool cCsvReader::fill()
     m_end = int(count);
     if (m_atStart) {
         m_atStart = false;
-        if (m_end >= 3 && std::memcmp(m_buffer.constData(), "\xEF\xBB\xBF", 3) == 0)
+        if (m_end >= 3 && std::memcmp(m_buffer.constData(), "\xEF\xBB\xBF", 3) == 0) {
             m_pos = 3;
+            // A first read of the mark alone leaves nothing to parse yet.
+            if (m_end == 3)
+                return fill();
+        }
     }
     return count > 0;
 }
