@@ -7,6 +7,10 @@
 namespace {
 
 constexpr int kBlockSize = 1 << 16;
+// Far beyond any real record. A quote that is never closed would otherwise
+// take a whole file into one record, and a zip entry may unpack to
+// gigabytes from a few kilobytes.
+constexpr size_t kMaxRecordBytes = 1 << 20;
 
 enum class State {
     FieldStart,
@@ -29,7 +33,15 @@ bool cCsvReader::fill()
 {
     if (m_deviceFailed)
         return false;
-    const qint64 count = m_device->read(m_buffer.data(), m_buffer.size());
+    qint64 count = m_device->read(m_buffer.data(), m_buffer.size());
+    // A device may hand out fewer bytes than asked for; a byte-order mark
+    // split over two reads must still be seen as one.
+    while (m_atStart && count > 0 && count < 3) {
+        const qint64 more = m_device->read(m_buffer.data() + count, m_buffer.size() - count);
+        if (more <= 0)
+            break;
+        count += more;
+    }
     if (count < 0) {
         m_deviceFailed = true;
         return false;
@@ -39,8 +51,12 @@ bool cCsvReader::fill()
     m_end = int(count);
     if (m_atStart) {
         m_atStart = false;
-        if (m_end >= 3 && std::memcmp(m_buffer.constData(), "\xEF\xBB\xBF", 3) == 0)
+        if (m_end >= 3 && std::memcmp(m_buffer.constData(), "\xEF\xBB\xBF", 3) == 0) {
             m_pos = 3;
+            // A first read of the mark alone leaves nothing to parse yet.
+            if (m_end == 3)
+                return fill();
+        }
     }
     return count > 0;
 }
@@ -58,6 +74,10 @@ bool cCsvReader::readRecord(QString* error)
     m_recordLine = m_line;
     State state = State::FieldStart;
     for (;;) {
+        if (m_record.size() > kMaxRecordBytes) {
+            *error = lineError(tr("a record is longer than %1 MB.").arg(kMaxRecordBytes >> 20));
+            return false;
+        }
         if (m_pos == m_end && !fill()) {
             if (m_deviceFailed) {
                 *error = lineError(tr("the file is damaged or cut short."));

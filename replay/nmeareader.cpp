@@ -70,7 +70,8 @@ bool parseTimeOfDay(const QByteArray& text, qint64* msecs)
 {
     bool ok = false;
     const double raw = text.toDouble(&ok);
-    if (!ok || text.size() < 6 || raw < 0)
+    // Checked before the conversion to int, which is undefined out of range.
+    if (!ok || text.size() < 6 || !(raw >= 0 && raw < 240000))
         return false;
     const int whole = static_cast<int>(raw);
     const int hours = whole / 10000;

@@ -16,6 +16,14 @@ bool cTrack::hasTimes() const
     return !points.isEmpty() && points.first().hasTime();
 }
 
+namespace {
+
+// A day of 10 Hz fixes is some 150 MB of NMEA. Larger files are refused
+// unread: both readers hold all points, the NMEA reader the whole text too.
+constexpr qint64 maxFileBytes = qint64(256) << 20;
+
+} // namespace
+
 bool cTrackReader::read(const QString& path, cTrackFile* file, QString* error)
 {
     *file = cTrackFile();
@@ -24,6 +32,8 @@ bool cTrackReader::read(const QString& path, cTrackFile* file, QString* error)
     bool ok = false;
     if (!device.open(QIODevice::ReadOnly)) {
         message = tr("Cannot open %1: %2").arg(path, device.errorString());
+    } else if (device.size() > maxFileBytes) {
+        message = tr("The file is larger than %1 MB, more than any recorded ride").arg(maxFileBytes >> 20);
     } else {
         // Skip a byte-order mark and blank lines to see what the file is.
         const QByteArray head = device.peek(4096);

@@ -80,14 +80,23 @@ private slots:
     void mutatedEvtFiles();
     void mutatedTracks_data();
     void mutatedTracks();
+    void fuzzerFindings_data();
+    void fuzzerFindings();
 
 private:
     // Feeds mutated seeds through one reader; `check` judges each outcome.
     void run(const QByteArray& seed, const std::function<void(const QString&)>& check);
 
+    // What each reader promises for any file.
+    void checkProject(const QString& file);
+    void checkRouteScript(const QString& file);
+    void checkEvtFile(const QString& file);
+    void checkTrack(const QString& file);
+
     QTemporaryDir m_dir;
     QByteArray m_projectSeed;
     QByteArray m_scriptSeed;
+    cProjectManager m_manager;
 };
 
 void tst_FuzzReaders::initTestCase()
@@ -119,53 +128,83 @@ void tst_FuzzReaders::run(const QByteArray& seed, const std::function<void(const
     }
 }
 
+void tst_FuzzReaders::checkProject(const QString& file)
+{
+    m_manager.project()->routes = {sampleRoute()};
+    const cProject before = *m_manager.project();
+    cSignalRecorder recorder(&m_manager);
+    // Either refused before anything changed, or (even when failing
+    // later) announced as a new project.
+    if (!m_manager.openProject(file) && recorder.names == QStringList{"opened"})
+        QCOMPARE(difference(*m_manager.project(), before), QString());
+    else
+        QCOMPARE(recorder.names, (QStringList{"created", "opened"}));
+}
+
+void tst_FuzzReaders::checkRouteScript(const QString& file)
+{
+    const int routes = m_manager.project()->routes.size();
+    cSignalRecorder recorder(&m_manager);
+    QString error;
+    QVERIFY(m_manager.importLuaRoute(file, &error));
+    QCOMPARE(recorder.names, QStringList{"opened"});
+    QVERIFY(m_manager.project()->routes.size() - routes <= 1);
+    if (m_manager.project()->routes.size() > routes)
+        QVERIFY(!m_manager.project()->routes.last().id.isNull());
+}
+
+void tst_FuzzReaders::checkEvtFile(const QString& file)
+{
+    const int routes = m_manager.project()->routes.size();
+    cSignalRecorder recorder(&m_manager);
+    QString error;
+    if (m_manager.importEvtRoute(file, &error)) {
+        QCOMPARE(m_manager.project()->routes.size(), routes + 1);
+        QCOMPARE(recorder.names, (QStringList{"opened", "imported"}));
+    } else {
+        QVERIFY(!error.isEmpty());
+        QCOMPARE(m_manager.project()->routes.size(), routes);
+        QVERIFY(recorder.names.isEmpty());
+    }
+}
+
+// Whatever is read is a usable track, and replaying it through stops on
+// and off it holds.
+void tst_FuzzReaders::checkTrack(const QString& file)
+{
+    cBranch branch;
+    branch.stops << cStop() << cStop();
+    branch.stops[0].lon = 13.7142;
+    branch.stops[0].lat = 45.2735;
+    branch.stops[1].course_enabled = true;
+    cTrackFile tracks;
+    QString error;
+    if (!cTrackReader::read(file, &tracks, &error)) {
+        QVERIFY(!error.isEmpty());
+        return;
+    }
+    QVERIFY(!tracks.tracks.isEmpty());
+    for (const cTrack& track : tracks.tracks) {
+        QVERIFY(!track.points.isEmpty());
+        for (const cTrackPoint& point : track.points)
+            QVERIFY(std::fabs(point.lat) <= 90 && std::fabs(point.lon) <= 180);
+        QCOMPARE(cReplay(track).replayBranch(branch, eBranchKind::Direct).stops.size() % 2, 0);
+    }
+}
+
 void tst_FuzzReaders::mutatedProjects()
 {
-    cProjectManager manager;
-    run(m_projectSeed, [&](const QString& file) {
-        manager.project()->routes = {sampleRoute()};
-        const cProject before = *manager.project();
-        cSignalRecorder recorder(&manager);
-        // Either refused before anything changed, or (even when failing
-        // later) announced as a new project.
-        if (!manager.openProject(file) && recorder.names == QStringList{"opened"})
-            QCOMPARE(difference(*manager.project(), before), QString());
-        else
-            QCOMPARE(recorder.names, (QStringList{"created", "opened"}));
-    });
+    run(m_projectSeed, [&](const QString& file) { checkProject(file); });
 }
 
 void tst_FuzzReaders::mutatedRouteScripts()
 {
-    cProjectManager manager;
-    run(m_scriptSeed, [&](const QString& file) {
-        const int routes = manager.project()->routes.size();
-        cSignalRecorder recorder(&manager);
-        QString error;
-        QVERIFY(manager.importLuaRoute(file, &error));
-        QCOMPARE(recorder.names, QStringList{"opened"});
-        QVERIFY(manager.project()->routes.size() - routes <= 1);
-        if (manager.project()->routes.size() > routes)
-            QVERIFY(!manager.project()->routes.last().id.isNull());
-    });
+    run(m_scriptSeed, [&](const QString& file) { checkRouteScript(file); });
 }
 
 void tst_FuzzReaders::mutatedEvtFiles()
 {
-    cProjectManager manager;
-    run(evtSeed, [&](const QString& file) {
-        const int routes = manager.project()->routes.size();
-        cSignalRecorder recorder(&manager);
-        QString error;
-        if (manager.importEvtRoute(file, &error)) {
-            QCOMPARE(manager.project()->routes.size(), routes + 1);
-            QCOMPARE(recorder.names, (QStringList{"opened", "imported"}));
-        } else {
-            QVERIFY(!error.isEmpty());
-            QCOMPARE(manager.project()->routes.size(), routes);
-            QVERIFY(recorder.names.isEmpty());
-        }
-    });
+    run(evtSeed, [&](const QString& file) { checkEvtFile(file); });
 }
 
 void tst_FuzzReaders::mutatedTracks_data()
@@ -175,33 +214,42 @@ void tst_FuzzReaders::mutatedTracks_data()
     QTest::newRow("NMEA") << "around-visnjan-with-car.nmea";
 }
 
-// Whatever is read is a usable track, and replaying it through stops on
-// and off it holds.
 void tst_FuzzReaders::mutatedTracks()
 {
     QFETCH(QString, seed);
     const QByteArray seedBytes = readFile(QStringLiteral(VOSK_SHARED_DIR "/tracks/") + seed);
     QVERIFY(!seedBytes.isEmpty());
-    cBranch branch;
-    branch.stops << cStop() << cStop();
-    branch.stops[0].lon = 13.7142;
-    branch.stops[0].lat = 45.2735;
-    branch.stops[1].course_enabled = true;
-    run(seedBytes, [&](const QString& file) {
-        cTrackFile tracks;
-        QString error;
-        if (!cTrackReader::read(file, &tracks, &error)) {
-            QVERIFY(!error.isEmpty());
-            return;
-        }
-        QVERIFY(!tracks.tracks.isEmpty());
-        for (const cTrack& track : tracks.tracks) {
-            QVERIFY(!track.points.isEmpty());
-            for (const cTrackPoint& point : track.points)
-                QVERIFY(std::fabs(point.lat) <= 90 && std::fabs(point.lon) <= 180);
-            QCOMPARE(cReplay(track).replayBranch(branch, eBranchKind::Direct).stops.size() % 2, 0);
-        }
-    });
+    run(seedBytes, [&](const QString& file) { checkTrack(file); });
+}
+
+// Inputs the fuzzers (fuzz/) found to break a reader, one folder per reader.
+void tst_FuzzReaders::fuzzerFindings_data()
+{
+    QTest::addColumn<QString>("file");
+    const QDir root(QStringLiteral(VOSK_SOURCE_DIR "/tests/fuzz-regressions"));
+    const QStringList readers = root.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    QVERIFY(!readers.isEmpty());
+    for (const QString& reader : readers) {
+        for (const QFileInfo& input : QDir(root.filePath(reader)).entryInfoList(QDir::Files))
+            QTest::newRow(qPrintable(reader + '/' + input.fileName())) << input.filePath();
+    }
+}
+
+void tst_FuzzReaders::fuzzerFindings()
+{
+    QFETCH(QString, file);
+    const QString reader = QFileInfo(file).dir().dirName();
+    cMessageCapture quiet;
+    if (reader == "project")
+        checkProject(file);
+    else if (reader == "luaroute")
+        checkRouteScript(file);
+    else if (reader == "evt")
+        checkEvtFile(file);
+    else if (reader == "track")
+        checkTrack(file);
+    else
+        QFAIL("no reader for this folder");
 }
 
 QTEST_GUILESS_MAIN(tst_FuzzReaders)

@@ -12,14 +12,37 @@ struct cParsed
     QString error;
 };
 
-// Every record of `bytes` as text, with the line each starts on; the first
-// record is the header.
-cParsed parse(const QByteArray& bytes)
+// Hands out one byte per read, as a device may.
+class cTrickle : public QIODevice
 {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    cCsvReader reader(&buffer, QStringLiteral("test.txt"));
+public:
+    explicit cTrickle(const QByteArray& bytes)
+        : m_bytes(bytes)
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override
+    {
+        if (m_pos >= m_bytes.size() || maxSize < 1)
+            return 0;
+        *data = m_bytes.at(m_pos++);
+        return 1;
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    QByteArray m_bytes;
+    int m_pos = 0;
+};
+
+// Every record read from `device` as text, with the line each starts on;
+// the first record is the header.
+cParsed parse(QIODevice* device)
+{
+    cCsvReader reader(device, QStringLiteral("test.txt"));
     cParsed parsed;
     if (!reader.readHeader(&parsed.error))
         return parsed;
@@ -34,6 +57,14 @@ cParsed parse(const QByteArray& bytes)
     while (reader.readRecord(&parsed.error))
         take();
     return parsed;
+}
+
+cParsed parse(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return parse(&buffer);
 }
 
 } // namespace
@@ -89,7 +120,8 @@ private slots:
     // Records, quotes and CRLF pairs fall across the reader's block edges.
     void largeFileAcrossBlocks()
     {
-        QByteArray bytes = "id,text\r\n";
+        // Quoted first, so a mark read on its own must not hide the quote.
+        QByteArray bytes = "\"id\",text\r\n";
         QList<QStringList> expected{{"id", "text"}};
         QList<int> lines{1};
         int line = 2;
@@ -108,6 +140,26 @@ private slots:
         QCOMPARE(parsed.records.size(), expected.size());
         QCOMPARE(parsed.records, expected);
         QCOMPARE(parsed.lines, lines);
+
+        // Read a byte at a time, the byte-order mark and CRLF pairs fall apart too.
+        cTrickle trickle("\xEF\xBB\xBF" + bytes.left(1000));
+        const cParsed trickled = parse(&trickle);
+        QCOMPARE(trickled.records, parse(bytes.left(1000)).records);
+    }
+
+    // A quote never closed, or a line of nothing but separators, must not
+    // take a whole (possibly huge) file into memory.
+    void overlongRecordsAreRefused_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("unclosed quote") << "a,b\n1,2\n3,\"" + QByteArray(3 << 20, 'x');
+        QTest::newRow("separators") << "a,b\n1,2\n" + QByteArray(3 << 20, ',');
+    }
+
+    void overlongRecordsAreRefused()
+    {
+        QFETCH(QByteArray, bytes);
+        QCOMPARE(parse(bytes).error, QStringLiteral("test.txt, line 3: a record is longer than 1 MB."));
     }
 };
 

@@ -71,6 +71,7 @@ void tst_LuaImport::scriptsThatAddNothing_data()
     QTest::newRow("syntax error") << QByteArray("route = { name = 'x'") << QString();
     QTest::newRow("library call") << QByteArray("route = { name = string.upper('x') }") << QString();
     QTest::newRow("endless loop") << QByteArray("repeat until false route = {}") << QString();
+    QTest::newRow("growing string") << QByteArray("local s = 'x' while true do s = s .. s end") << QString();
 }
 
 void tst_LuaImport::scriptsThatAddNothing()

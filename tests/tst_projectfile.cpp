@@ -220,6 +220,20 @@ void tst_ProjectFile::hostileFilesFailInTime_data()
     QTest::newRow("growing table") << QByteArray("local t, i = {}, 0 while true do i = i + 1 t[i] = { i } end")
                                    << "bytes of memory";
     QTest::newRow("deep recursion") << QByteArray("local function f() return { f() } end project = f()") << QString();
+    const QByteArray deep = QByteArray("{").repeated(200000) + QByteArray("}").repeated(200000);
+    QTest::newRow("tables nested 200,000 deep") << "project = " + deep << QString();
+
+    // Above the constant limit of one Lua function the file is run in
+    // pieces, under the same bounds.
+    QByteArray large = "pad = { ";
+    for (int i = 0; i < 300000; ++i)
+        large += QByteArray::number(i) + ',';
+    large += "}\n";
+    QTest::newRow("large: endless loop") << large + "project = { (function() while true do end end)() }"
+                                         << "Lua instructions";
+    QTest::newRow("large: growing string")
+        << large + "project = { (function() local s = 'x' while true do s = s .. s end end)() }" << "bytes of memory";
+    QTest::newRow("large: tables nested 200,000 deep") << large + "project = " + deep << QString();
 }
 
 // They fail like broken files; the log says which bound stopped them, so an

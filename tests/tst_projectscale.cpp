@@ -64,6 +64,8 @@ private slots:
     void largeTablesEvaluateAsLuaWould();
     void hugeProjectSavesAndOpens();
     void runningOutOfMemoryBetweenPiecesFails();
+    void damagedLargeFilesFail_data();
+    void damagedLargeFilesFail();
 };
 
 void tst_ProjectScale::largeTablesEvaluateAsLuaWould()
@@ -156,6 +158,41 @@ void tst_ProjectScale::runningOutOfMemoryBetweenPiecesFails()
         QVERIFY(!manager.openProject(file));
         QVERIFY(capture.messages().filter("File not read: it needs more than").size() == 1);
     }
+}
+
+// Lua stops at the constant overflow before it sees damage further on, so
+// only the piecewise reader's own scanning meets it.
+void tst_ProjectScale::damagedLargeFilesFail_data()
+{
+    QTest::addColumn<QByteArray>("project");
+    QTest::addColumn<bool>("opens");
+    const QByteArray routes = "routes = { { id = '{2b7e1516-28ae-42a6-abf7-158809cf4f3c}' } }";
+    QTest::newRow("undamaged") << "{ id = '" + QUuid::createUuid().toByteArray() + "', version = 1, " + routes + " }"
+                               << true;
+    QTest::newRow("string not closed") << "{ id = 'x, version = 1, " + routes + " }" << false;
+    QTest::newRow("string cut by a line end") << "{ id = 'x\n', version = 1, " + routes + " }" << false;
+    QTest::newRow("long string not closed") << "{ id = [==[x]=], version = 1, " + routes + " }" << false;
+    QTest::newRow("long comment not closed") << "{ --[[ version = 1, " + routes + " }" << false;
+    QTest::newRow("brace not closed") << "{ version = 1, " + routes << false;
+    QTest::newRow("empty field") << "{ version = 1,, " + routes + " }" << false;
+    QTest::newRow("brace closed twice") << "{ version = 1 }, " + routes + " }" << false;
+    QTest::newRow("not an assignment") << "{ version = 1, " + routes + " } project ( )" << false;
+}
+
+void tst_ProjectScale::damagedLargeFilesFail()
+{
+    QFETCH(QByteArray, project);
+    QFETCH(bool, opens);
+    QByteArray text = "pad = { ";
+    for (int i = 0; i < 300000; ++i)
+        text += QByteArray::number(i) + ',';
+    text += "}\nproject = " + project;
+    QTemporaryDir dir;
+    const QString file = dir.filePath("damaged.vosk");
+    QVERIFY(writeFile(file, text));
+    cProjectManager manager;
+    cMessageCapture quiet;
+    QCOMPARE(manager.openProject(file), opens);
 }
 
 QTEST_GUILESS_MAIN(tst_ProjectScale)

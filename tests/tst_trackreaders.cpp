@@ -48,6 +48,8 @@ private slots:
     void rejectsBadGpx();
     void nmeaSkipsAndCountsWhatItCannotUse();
     void nmeaWithoutAnyFixIsAnError();
+    void hostileFilesEndQuickly_data();
+    void hostileFilesEndQuickly();
 
 private:
     QTemporaryDir m_dir;
@@ -239,6 +241,46 @@ void tst_TrackReaders::nmeaWithoutAnyFixIsAnError()
     QCOMPARE(error,
              QStringLiteral("The log has no valid RMC or GGA fix. Sentences without a fix: 1; "
                             "damaged or malformed: 1."));
+}
+
+void tst_TrackReaders::hostileFilesEndQuickly_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<QString>("expected");
+    const QByteArray point = "<trkpt lat=\"45\" lon=\"13\"/>";
+    QTest::newRow("nested 200,000 deep") << "<gpx><trk><trkseg>" + point + QByteArray("<x>").repeated(200000)
+            + QByteArray("</x>").repeated(200000) + "</trkseg></trk></gpx>"
+                                         << qint64(0) << QString();
+    QByteArray laughs = "<?xml version=\"1.0\"?><!DOCTYPE gpx [<!ENTITY e0 \"laugh\">";
+    for (int i = 1; i < 10; ++i)
+        laughs += QStringLiteral("<!ENTITY e%1 \"%2\">").arg(i).arg(QStringLiteral("&e%1;").arg(i - 1).repeated(10)).toLatin1();
+    QTest::newRow("entities expanding to 5 GB") << laughs + "]><gpx><trk><name>&e9;</name><trkseg>" + point
+            + "</trkseg></trk></gpx>"
+                                                << qint64(0) << "Line 1: the XML is not well-formed";
+    // Sparse: the size is refused before a byte is read.
+    QTest::newRow("larger than 256 MB") << sentence("GPRMC,120000.00,A,5545.000,N,03737.000,E,10.0,90.0,010524,,,A")
+                                        << (qint64(256) << 20) + 1
+                                        << "The file is larger than 256 MB, more than any recorded ride";
+}
+
+void tst_TrackReaders::hostileFilesEndQuickly()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(qint64, size);
+    QFETCH(QString, expected);
+    const QString path = m_dir.filePath(QStringLiteral("hostile"));
+    QVERIFY(testsupport::writeFile(path, content));
+    if (size)
+        QVERIFY(QFile::resize(path, size));
+    QElapsedTimer clock;
+    clock.start();
+    cTrackFile file;
+    QString error;
+    QCOMPARE(cTrackReader::read(path, &file, &error), expected.isEmpty());
+    QVERIFY2(error.startsWith(expected), qPrintable(error));
+    QVERIFY2(clock.elapsed() < 5000, qPrintable(QString::number(clock.elapsed())));
+    QFile::remove(path);
 }
 
 QTEST_GUILESS_MAIN(tst_TrackReaders)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Voskantor needs to build, run and test,
 # skipping those already present, and the Russian UTF-8 locale the
-# interface tests also run under.
+# interface tests also run under. "install-deps.sh fuzz" adds clang and its
+# libFuzzer runtime for tools/fuzz.sh.
 set -euo pipefail
 
 packages=(
@@ -16,6 +17,9 @@ packages=(
   desktop-file-utils appstream libxml2-utils shared-mime-info
   dpkg-dev lintian
 )
+if [ "${1:-}" = fuzz ]; then
+  packages+=(clang libclang-rt-14-dev)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

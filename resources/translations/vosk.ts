@@ -140,6 +140,10 @@ voskantor-cli КОМАНДА --help описывает параметры ком
         <source>%1, line %2: %3</source>
         <translation>%1, строка %2: %3</translation>
     </message>
+    <message>
+        <source>a record is longer than %1 MB.</source>
+        <translation>запись длиннее %1 МБ.</translation>
+    </message>
 </context>
 <context>
     <name>cErrorDialog</name>
@@ -2155,6 +2159,10 @@ Save anyway?</source>
     <message>
         <source>Line %1: this point of &quot;%2&quot; has no time, but others have one</source>
         <translation>Строка %1: у этой точки «%2» нет времени, а у других точек есть</translation>
+    </message>
+    <message>
+        <source>The file is larger than %1 MB, more than any recorded ride</source>
+        <translation>Файл больше %1 МБ — больше любой записи поездки</translation>
     </message>
 </context>
 <context>
