@@ -1,16 +1,30 @@
 #ifndef VOSK_LOGGER_H
 #define VOSK_LOGGER_H
 
+#include <QByteArray>
 #include <QFile>
 #include <QObject>
 #include <QPointer>
 #include <QString>
 
 class QPlainTextEdit;
+class QTextCodec;
 
 namespace logger {
 
 class cHighlighter;
+
+// The time text of log lines, "hh:mm:ss" in local time, built once a second
+// rather than once a line.
+class cLineClock
+{
+public:
+    QByteArray text();
+
+private:
+    qint64 m_second = -1;
+    QByteArray m_text;
+};
 
 // Takes over the process-wide message handler and writes every message as one
 // line into a log file that is new for each run, and into a view if one is
@@ -41,6 +55,8 @@ private:
     QPointer<cHighlighter> highlighter;
     QString logDir;
     bool byDate;
+    cLineClock clock;
+    QTextCodec* codec = nullptr;
 };
 
 // Installed by cLogger; forwards every message to the bridge and never does
