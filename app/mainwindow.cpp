@@ -1,15 +1,19 @@
 #include "mainwindow.h"
 
 #include "autosaver.h"
+#include "converter.h"
+#include "problemsdock.h"
 #include "projectmanager.h"
 #include "recoverydialog.h"
+#include "routecheck.h"
 #include "routeeditor.h"
 #include "routeselector.h"
 #include "stopeditor.h"
 #include "version.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
@@ -17,6 +21,8 @@
 #include <QMessageBox>
 #include <QSettings>
 #include <QTabWidget>
+#include <QStyle>
+#include <QToolBar>
 
 #include <algorithm>
 
@@ -64,6 +70,7 @@ cMainWindow::cMainWindow(QWidget* parent)
     tabWidget->addTab(stopEditor, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
+    createCheckCommands();
 
     autosaver = new cAutosaver(projectManager, this);
     connectAutosave();
@@ -85,6 +92,24 @@ cMainWindow::~cMainWindow()
     saveWindowSettings();
 }
 
+void cMainWindow::createCheckCommands()
+{
+    problemsDock = new cProblemsDock(this);
+    addDockWidget(Qt::BottomDockWidgetArea, problemsDock);
+    problemsDock->hide();
+    connect(problemsDock, &cProblemsDock::problemActivated, this, &cMainWindow::showProblem);
+
+    checkAction = new QAction(style()->standardIcon(QStyle::SP_DialogApplyButton), tr("Check project"), this);
+    checkAction->setObjectName(QStringLiteral("checkProjectAction"));
+    checkAction->setShortcut(Qt::Key_F7);
+    checkAction->setToolTip(tr("Look for what would make the device announce wrongly (F7)"));
+    connect(checkAction, &QAction::triggered, this, &cMainWindow::checkProject);
+    QToolBar* toolBar = addToolBar(tr("Check"));
+    toolBar->setObjectName(QStringLiteral("checkToolBar"));
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolBar->addAction(checkAction);
+}
+
 // One place for the menus, so that further commands join the same bar.
 void cMainWindow::buildMenus()
 {
@@ -93,6 +118,9 @@ void cMainWindow::buildMenus()
     QAction* recover = fileMenu->addAction(tr("Recover unsaved work…"));
     recover->setObjectName(QStringLiteral("recoverAction"));
     connect(recover, &QAction::triggered, this, &cMainWindow::recoverUnsavedWork);
+    QMenu* toolsMenu = menuBar()->addMenu(tr("&Tools"));
+    toolsMenu->setObjectName(QStringLiteral("toolsMenu"));
+    toolsMenu->addAction(checkAction);
 }
 
 // Every edit reaches the autosave, also those that leave the modified mark
@@ -177,6 +205,42 @@ void cMainWindow::closeEvent(QCloseEvent* event)
     }
     autosaver->finish(modified);
     event->accept();
+}
+
+void cMainWindow::checkProject()
+{
+    cCheckOptions options;
+    options.converter = cConverter::program();
+    options.outputDir = routeSelector->exportFolder();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const QList<cProblem> problems = cRouteCheck::run(projectManager->project()->routes, options);
+    QApplication::restoreOverrideCursor();
+    qDebug() << "Project checked:" << problems.size() << "problems," << errorCount(problems) << "errors";
+    showProblems(problems);
+}
+
+void cMainWindow::showProblems(const QList<cProblem>& problems)
+{
+    problemsDock->setProblems(problems);
+    if (problemsDock->isHidden()) {
+        problemsDock->show();
+        // A third of the window, enough for a few rows; the user may drag it.
+        resizeDocks({problemsDock}, {height() / 3}, Qt::Vertical);
+    }
+    problemsDock->raise();
+}
+
+void cMainWindow::showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId)
+{
+    if (routeId.isNull())
+        return;
+    routeSelector->selectRoute(routeId);
+    if (branch == Branch::None) {
+        tabWidget->setCurrentWidget(routeEditor);
+        return;
+    }
+    tabWidget->setCurrentWidget(stopEditor);
+    stopEditor->selectStop(branch == Branch::Reverse, stopId);
 }
 
 void cMainWindow::routeSelected(const QUuid& id)

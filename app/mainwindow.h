@@ -2,14 +2,17 @@
 #define VOSK_MAINWINDOW_H
 
 #include "logger.h"
+#include "problem.h"
 
 #include <QMainWindow>
 #include <QString>
 #include <QUuid>
 
+class QAction;
 class QTabWidget;
 class cAutosaver;
 struct cAutosaveEntry;
+class cProblemsDock;
 class cProjectManager;
 class cRouteEditor;
 class cRouteSelector;
@@ -40,11 +43,15 @@ private slots:
     void changesDetectedSlot();
     void noChangesDetectedSlot();
     void projectFileNameChanged(const QString& fn);
+    void checkProject();
+    void showProblems(const QList<cProblem>& problems);
+    void showProblem(const QUuid& routeId, Branch branch, const QUuid& stopId);
 
 private:
     void buildMenus();
     void connectAutosave();
     void showRecovery(const QList<cAutosaveEntry>& entries);
+    void createCheckCommands();
     void restoreWindowSettings();
     void saveWindowSettings();
 
@@ -54,6 +61,8 @@ private:
     cRouteEditor* routeEditor = nullptr;
     cStopEditor* stopEditor = nullptr;
     cAutosaver* autosaver = nullptr;
+    cProblemsDock* problemsDock = nullptr;
+    QAction* checkAction = nullptr;
     bool modified = false;
     QString title;
     logger::cLogger logger;

@@ -101,6 +101,11 @@ void cConverter::setFileSaveType(qint32 type)
     fileSaveType = type;
 }
 
+QString cConverter::program()
+{
+    return QLatin1String(ffmpegProgram);
+}
+
 void cConverter::convert(const QStringList& sources)
 {
     if (isRunning())
@@ -195,7 +200,7 @@ bool cConverter::convertFile(const QString& fn)
     qDebug().noquote() << "Running ffmpeg with args:" << args;
 
     QProcess process;
-    process.start(QLatin1String(ffmpegProgram), args, QIODevice::ReadWrite);
+    process.start(program(), args, QIODevice::ReadWrite);
     qDebug().noquote() << "Process started:" << (process.waitForStarted(-1) ? "true" : "false");
     process.waitForFinished(-1);
     const QString stdOut = outputText(process.readAllStandardOutput());

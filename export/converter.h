@@ -25,6 +25,9 @@ public:
 
     void convert(const QStringList& sources);
 
+    // The program that does the conversion, as looked up on the search path.
+    static QString program();
+
 signals:
     void fileProcessed(const QString& fn, bool result);
     // True when no file was undecodable: the name is kept for the

@@ -2,6 +2,8 @@
 
 #include "ui_scriptpage.h"
 
+#include "exportnames.h"
+
 cScriptPage::cScriptPage(QWidget* parent)
     : QWidget(parent)
     , ui(new Ui::cScriptPage)
@@ -15,12 +17,7 @@ void cScriptPage::setup(const QUuid& id, const QString& script, const QString& b
 {
     routeId = id;
     ui->routeText->setPlainText(script);
-    // Route numbers like 12/A must not become folders or invalid names on
-    // the device's card.
-    QString name = baseName;
-    for (const QChar c : QStringLiteral("\\/><:*|?\""))
-        name.replace(c, QLatin1Char('_'));
-    ui->fileNameEdit->setText(name);
+    ui->fileNameEdit->setText(safeFileBaseName(baseName));
 }
 
 QString cScriptPage::fileName() const

@@ -132,25 +132,36 @@ void cLuaState::logExceededLimit(size_t memoryLimit) const
 }
 
 bool cLuaState::runFile(const QString& path, const char* global, const std::function<bool(lua_State*)>& read,
-                        bool* result)
+                        bool* result, QString* error)
 {
+    const auto fail = [error](const QString& text) {
+        if (error)
+            *error = text;
+    };
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        fail(file.errorString());
         return false;
+    }
     const QString text = QTextStream(&file).readAll();
     file.close();
 
     *result = false;
     cLuaState lua;
-    if (!lua.run(text.toLocal8Bit()))
+    if (!lua.run(text.toLocal8Bit())) {
+        fail(lua.errorText());
         return true;
+    }
     lua_State* L = lua.state();
     lua_getglobal(L, global);
-    if (lua_istable(L, -1))
+    if (lua_istable(L, -1)) {
         *result = read(L);
-    else
-        qDebug().noquote() << QStringLiteral("No %1 table in Lua-state...").arg(QLatin1String(global))
-                           << luaL_typename(L, -1);
+    } else {
+        const QString message = QStringLiteral("No %1 table in Lua-state... %2")
+                                    .arg(QLatin1String(global), QLatin1String(luaL_typename(L, -1)));
+        qDebug().noquote() << message;
+        fail(message);
+    }
     lua_pop(L, 1);
     return true;
 }

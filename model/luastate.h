@@ -43,8 +43,10 @@ public:
     // `global` to `read`, which leaves the stack as it found it. Returns
     // false only when the file cannot be opened; `*result` is what `read`
     // returned, or false when the chunk failed or set no such table.
+    // `error`, when given, gets why the file is not read: the file's or
+    // Lua's own message; failures inside the table are only logged.
     static bool runFile(const QString& path, const char* global, const std::function<bool(lua_State*)>& read,
-                        bool* result);
+                        bool* result, QString* error = nullptr);
 
     // Used while running: a chunk's load, call and the limits around them.
     bool loadAndCall(const char* text, size_t length, const char* name, int results);

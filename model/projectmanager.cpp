@@ -56,14 +56,14 @@ void cProjectManager::keepPreviousFile(const QString& path)
         qWarning().noquote() << "Could not keep the previous project as" << backup;
 }
 
-bool cProjectManager::openProject(const QString& path)
+bool cProjectManager::openProject(const QString& path, QString* error)
 {
     bool result = false;
     const bool opened = cLuaState::runFile(path, "project", [this](lua_State* L) {
         resetProject();
         emit projectCreated();
         return readProject(m_project, L, false);
-    }, &result);
+    }, &result, error);
     if (!opened)
         return false;
     emit projectOpened();

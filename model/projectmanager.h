@@ -19,7 +19,10 @@ public:
     void newProject();
     cProject* project();
 
-    bool openProject(const QString& path);
+    // `error`, when given, gets why the file could not be read as a
+    // project: the file's or Lua's own message. Failures inside the project
+    // table are only logged.
+    bool openProject(const QString& path, QString* error = nullptr);
     bool saveProject(const QString& path);
     bool importEvtRoute(const QString& path, QString* error);
     bool importLuaRoute(const QString& path, QString* error);

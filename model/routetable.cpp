@@ -3,7 +3,8 @@
 #include "luafields.h"
 
 #include <QDebug>
-#include <QRegExp>
+
+#include <algorithm>
 
 #include <lua.hpp>
 
@@ -216,9 +217,18 @@ bool readBranchField(lua_State* L, const char* key, cBranch* branch, bool device
 
 QString deviceFileName(const QString& path)
 {
+    // Either separator, as projects made on Windows hold backslashes. The
+    // extension is the last dot's letters and digits; checks run this for
+    // every sound of a city's project, so no pattern is matched.
     const int separator = qMax(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
-    static const QRegExp extension(QStringLiteral("\\.[a-zA-Z0-9]+$"));
-    return path.mid(separator + 1).replace(extension, QStringLiteral(".wav"));
+    const int dot = path.lastIndexOf(QLatin1Char('.'));
+    const auto isAsciiAlnum = [](QChar c) {
+        return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+            || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
+    };
+    if (dot > separator && dot + 1 < path.size() && std::all_of(path.begin() + dot + 1, path.end(), isAsciiAlnum))
+        return path.mid(separator + 1, dot - separator - 1) + QStringLiteral(".wav");
+    return path.mid(separator + 1);
 }
 
 QString devicePath(const QString& path)

@@ -27,15 +27,14 @@ touch "$root/var/lib/dpkg/status"
 dpkg --root="$root" --force-not-root --force-depends --install "$deb" >"$work/dpkg.log" 2>&1 \
   || { cat "$work/dpkg.log"; fail "dpkg --install"; }
 dpkg --root="$root" --listfiles voskantor >"$work/files"
-for file in $(printf '/usr/bin/%s\n' $programs) \
+for file in $(printf '/usr/bin/%s\n' $programs) $(printf '/usr/share/man/man1/%s.1.gz\n' $programs) \
             /usr/share/applications/$app_id.desktop \
             /usr/share/metainfo/$app_id.metainfo.xml \
             /usr/share/mime/packages/$app_id.xml \
             /usr/share/icons/hicolor/scalable/apps/$app_id.svg \
             /usr/share/icons/hicolor/48x48/apps/$app_id.png \
             /usr/share/doc/voskantor/copyright \
-            /usr/share/doc/voskantor/changelog.gz \
-            /usr/share/man/man1/voskantor.1.gz; do
+            /usr/share/doc/voskantor/changelog.gz; do
   grep -qx "$file" "$work/files" || fail "$file not in the package"
   [ -f "$root$file" ] || fail "$file not installed"
 done

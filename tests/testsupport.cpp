@@ -1,5 +1,6 @@
 #include "testsupport.h"
 
+#include "geo.h"
 #include "projectmanager.h"
 #include "routetable.h"
 
@@ -8,6 +9,7 @@
 #include <QMutex>
 #include <QStringList>
 
+#include <cmath>
 #include <linux/capability.h>
 #include <lua.hpp>
 #include <sys/syscall.h>
@@ -220,17 +222,30 @@ cProject generatedProject(int routeCount, int stopsPerBranch)
         route.base_sound = {QStringLiteral("C:/snd/current.mp3"), QStringLiteral("C:/snd/next.mp3"),
                             QStringLiteral("C:/snd/last.mp3")};
         route.base_text = {QStringLiteral("Остановка: "), QStringLiteral("Следующая: "), QStringLiteral(". Конечная")};
+        // Each route runs straight from its own start across a city, stops
+        // 400 m apart; the reverse branch comes back on the other side of the
+        // street, 25 m away.
+        const double startLon = 37.3 + (r % 20) * 0.02;
+        const double startLat = 55.5 + (r / 20 % 20) * 0.02;
+        const double heading = (r * 37) % 360;
         for (cBranch* branch : {&route.direct, &route.reverse}) {
+            const bool back = branch == &route.reverse;
             for (int s = 0; s < stopsPerBranch; ++s, ++serial) {
                 cStop stop;
                 stop.id = QUuid::createUuid();
                 stop.name = QStringLiteral("Остановка %1").arg(serial);
+                double lon = 0;
+                double lat = 0;
+                const int place = back ? stopsPerBranch - 1 - s : s;
+                geo::destination(startLon, startLat, heading, 400.0 * place, &lon, &lat);
+                if (back)
+                    geo::destination(lon, lat, heading + 90, 25, &lon, &lat);
                 // Six decimals keep both coordinates within 8 significant digits.
-                stop.lon = (37000000 + serial % 999983) / 1e6;
-                stop.lat = (55000000 + (serial * 7) % 999979) / 1e6;
+                stop.lon = std::round(lon * 1e6) / 1e6;
+                stop.lat = std::round(lat * 1e6) / 1e6;
                 stop.radius = 20 + serial % 80;
                 stop.course_enabled = serial % 3 == 0;
-                stop.course_value = stop.course_enabled ? serial % 360 : 0;
+                stop.course_value = stop.course_enabled ? int(back ? heading + 180 : heading) % 360 : 0;
                 stop.course_diff = stop.course_enabled ? 30 + serial % 60 : 60;
                 stop.sound = QStringLiteral("C:/snd/stop_%1.mp3").arg(serial);
                 if (serial % 5 == 0)

@@ -86,6 +86,7 @@ void tst_Translations::catalogueMatchesTheSources()
                   {QStringLiteral("-silent"), QStringLiteral("app"), QStringLiteral("ui"), QStringLiteral("model"),
                    QStringLiteral("export"), QStringLiteral("map"), QStringLiteral("logger"), QStringLiteral("gtfs"),
                    QStringLiteral("replay"),
+                   QStringLiteral("check"), QStringLiteral("cli"),
                    QStringLiteral("-ts"), fresh});
     QVERIFY(lupdate.waitForFinished(60000));
     QCOMPARE(lupdate.exitCode(), 0);

@@ -5,6 +5,7 @@
 #include "player.h"
 #include "projectmanager.h"
 #include "soundselector.h"
+#include "unsafetextmark.h"
 
 #include <QEvent>
 
@@ -31,8 +32,10 @@ cRouteEditor::cRouteEditor(cProjectManager* manager, QWidget* parent)
 
     // Signals that only the user's typing and clicking raise, so that filling
     // the form from a route never writes back.
-    for (QLineEdit* edit : {ui->nameEdit, ui->shortNameEdit, ui->currentEdit, ui->nextEdit, ui->lastEdit})
+    for (QLineEdit* edit : {ui->nameEdit, ui->shortNameEdit, ui->currentEdit, ui->nextEdit, ui->lastEdit}) {
         connect(edit, &QLineEdit::textEdited, this, &cRouteEditor::routeEdited);
+        watchUnsafeText(edit);
+    }
     connect(ui->playSound, &QCheckBox::released, this, &cRouteEditor::routeEdited);
     connect(ui->showText, &QCheckBox::released, this, &cRouteEditor::routeEdited);
 

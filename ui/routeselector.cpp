@@ -6,6 +6,7 @@
 #include "projectmanager.h"
 #include "routetable.h"
 #include "savedialog.h"
+#include "textrules.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -184,6 +185,19 @@ void cRouteSelector::routeChangedSlot(const QUuid& id)
     }
 }
 
+void cRouteSelector::selectRoute(const QUuid& id)
+{
+    if (QListWidgetItem* item = itemFor(id)) {
+        routeList->setCurrentItem(item);
+        itemClicked(item);
+    }
+}
+
+QString cRouteSelector::exportFolder() const
+{
+    return saveDialog->outputDir();
+}
+
 void cRouteSelector::newProject()
 {
     projectManager->newProject();
@@ -230,6 +244,27 @@ void cRouteSelector::openProjectFile(const QString& path)
     storeSettingsValue(lastProjectKey, path);
 }
 
+// Values are written into the file unescaped, so a text with a quote, a
+// backslash, a line break or a %-digit sequence would not read back as it
+// is; the user decides whether to save all the same.
+bool cRouteSelector::confirmUnsafeTexts()
+{
+    const QList<cProblem> unsafe = cTextRules::unsafeTexts(projectManager->project()->routes);
+    if (unsafe.isEmpty())
+        return true;
+    const int shown = 5;
+    QStringList lines;
+    for (const cProblem& problem : unsafe.mid(0, shown))
+        lines << QStringLiteral("%1: %2").arg(cProblemText::place(problem), problem.message);
+    if (unsafe.size() > shown)
+        lines << tr("... and %1 more.").arg(unsafe.size() - shown);
+    const QString text = tr("These texts would not read back as they are:\n\n%1\n\nSave anyway?")
+                             .arg(lines.join(QStringLiteral("\n\n")));
+    return QMessageBox::question(this, tr("Save project"), text, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No)
+        == QMessageBox::Yes;
+}
+
 bool cRouteSelector::openRecovered(const QString& autosave, const QString& projectFile)
 {
     if (!projectManager->openProject(autosave)) {
@@ -248,6 +283,8 @@ void cRouteSelector::saveProject()
         saveAsProject();
         return;
     }
+    if (!confirmUnsafeTexts())
+        return;
     if (projectManager->saveProject(fileName))
         setError(false);
     else
@@ -256,6 +293,8 @@ void cRouteSelector::saveProject()
 
 void cRouteSelector::saveAsProject()
 {
+    if (!confirmUnsafeTexts())
+        return;
     const QString path = askProjectFile(true);
     if (path.isEmpty())
         return;

@@ -31,6 +31,10 @@ public:
     // as Open does once a file is chosen. The editor holds one project, so
     // more than one name fails the way an unreadable file does.
     void openProjectFiles(const QStringList& paths);
+    // Makes the route the current one of the list, as a click on it does.
+    void selectRoute(const QUuid& id);
+    // The folder the export last wrote into, or was told to.
+    QString exportFolder() const;
     // Opens an autosave in place of the project. The work belongs to
     // `projectFile` (empty for a project never saved), which Save writes.
     bool openRecovered(const QString& autosave, const QString& projectFile);
@@ -71,6 +75,7 @@ private:
     void setError(bool error, const QString& message = QString());
     void showFailedFiles();
     QString askProjectFile(bool forSaving);
+    bool confirmUnsafeTexts();
     QListWidgetItem* itemFor(const QUuid& id) const;
     static QListWidgetItem* makeItem(const QString& name, const QUuid& id);
     static QUuid itemId(const QListWidgetItem* item);

@@ -1,6 +1,7 @@
 #include "soundselector.h"
 
 #include "player.h"
+#include "unsafetextmark.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -71,7 +72,7 @@ void cSoundSelector::clear()
     playButton->setEnabled(false);
     playButton->setStyleSheet(QString());
     fileLabel->clear();
-    fileLabel->setToolTip(QString());
+    markUnsafeText(fileLabel, QString(), QString());
 }
 
 void cSoundSelector::refresh()
@@ -88,7 +89,7 @@ void cSoundSelector::refresh()
     // on the next refresh.
     playButton->setStyleSheet(QFileInfo::exists(filePath) ? QString() : QStringLiteral("border: 1px solid red;"));
     fileLabel->setText(QFileInfo(filePath).fileName());
-    fileLabel->setToolTip(nativePath);
+    markUnsafeText(fileLabel, filePath, nativePath);
 }
 
 void cSoundSelector::chooseSoundFile()

@@ -6,6 +6,7 @@
 #include "player.h"
 #include "projectmanager.h"
 #include "soundselector.h"
+#include "unsafetextmark.h"
 
 #include <QDebug>
 #include <QDoubleValidator>
@@ -167,6 +168,9 @@ void cStopEditor::connectFieldsQueued()
     connect(ui->courseEnabled, &QCheckBox::clicked, this, &cStopEditor::stopEdited, queued);
     connect(firstNameEdit, &QLineEdit::textEdited, this, &cStopEditor::branchEdited, queued);
     connect(lastNameEdit, &QLineEdit::textEdited, this, &cStopEditor::branchEdited, queued);
+    for (QLineEdit* edit :
+         {ui->stopNameEdit, ui->stopFullNameEdit, ui->otherTextEdit, firstNameEdit, lastNameEdit})
+        watchUnsafeText(edit);
 }
 
 bool cStopEditor::showsReverse() const
@@ -250,6 +254,20 @@ void cStopEditor::routeSelected(const QUuid& id)
     for (const cStop& stop : route->reverse.stops)
         reverseModel->appendRow(makeItem(stop.name, stop.id));
     routeDirectionChanged(ui->isReverse->value());
+}
+
+void cStopEditor::selectStop(bool reverse, const QUuid& stopId)
+{
+    ui->isReverse->setValue(reverse ? 1 : 0);
+    QStandardItemModel* model = shownModel();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex index = model->index(row, 0);
+        if (idOf(index) == stopId) {
+            ui->stopList->setCurrentIndex(index);
+            itemClicked(index);
+            return;
+        }
+    }
 }
 
 void cStopEditor::routeDirectionChanged(int val)

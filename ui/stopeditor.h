@@ -33,6 +33,10 @@ public:
     cStopEditor(cProjectManager* manager, QWidget* parent);
     ~cStopEditor() override;
 
+    // Shows the branch and makes the stop the current one, as a click on it
+    // does.
+    void selectStop(bool reverse, const QUuid& stopId);
+
 signals:
     void stopChanged(const QUuid& id);
     // Stops of the shown route were added, deleted or moved, or a branch's

@@ -2,6 +2,105 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU">
 <context>
+    <name>cCheckCommand</name>
+    <message>
+        <source>Looks for what would make the device announce a route wrongly or not at all.</source>
+        <translation>Ищет то, из-за чего устройство объявит остановки маршрута неверно или не объявит вовсе.</translation>
+    </message>
+    <message>
+        <source>The project file (.vosk).</source>
+        <translation>Файл проекта (.vosk).</translation>
+    </message>
+    <message>
+        <source>The folder the export will write into, to find sounds lying in it.</source>
+        <translation>Папка, в которую будет выгружен маршрут: чтобы найти звуки, лежащие в ней самой.</translation>
+    </message>
+    <message>
+        <source>DIR</source>
+        <translation>ПАПКА</translation>
+    </message>
+    <message>
+        <source>Only see that sound files exist; do not read them.</source>
+        <translation>Только проверить, что звуковые файлы есть, не читая их.</translation>
+    </message>
+</context>
+<context>
+    <name>cCli</name>
+    <message>
+        <source>Usage: voskantor-cli COMMAND [options] ARGUMENTS
+Checks, describes and exports Voskantor projects without a window.
+
+Commands:
+</source>
+        <translation>Использование: voskantor-cli КОМАНДА [параметры] АРГУМЕНТЫ
+Проверяет, описывает и выгружает проекты Voskantor без окна.
+
+Команды:
+</translation>
+    </message>
+    <message>
+        <source>
+voskantor-cli COMMAND --help describes a command&apos;s options.
+Exit codes: 0 done, 1 problems found or the export failed, 2 wrong arguments or an unreadable project.
+</source>
+        <translation>
+voskantor-cli КОМАНДА --help описывает параметры команды.
+Коды выхода: 0 — готово, 1 — найдены ошибки или выгрузка не удалась, 2 — неверные аргументы или проект не читается.
+</translation>
+    </message>
+    <message>
+        <source>Unknown command &quot;%1&quot;.</source>
+        <translation>Неизвестная команда «%1».</translation>
+    </message>
+    <message>
+        <source>Print the debug lines of reading and converting on stderr.</source>
+        <translation>Выводить отладочные строки чтения и преобразования в stderr.</translation>
+    </message>
+    <message>
+        <source>Only the route with this name or number; may be given more than once.</source>
+        <translation>Только маршрут с этим названием или номером; можно указать несколько раз.</translation>
+    </message>
+    <message>
+        <source>NAME</source>
+        <translation>НАЗВАНИЕ</translation>
+    </message>
+    <message>
+        <source>Output as text or json; text when not given.</source>
+        <translation>Вывод текстом (text) или в JSON (json); по умолчанию текстом.</translation>
+    </message>
+    <message>
+        <source>FORMAT</source>
+        <translation>ФОРМАТ</translation>
+    </message>
+    <message>
+        <source>This command.</source>
+        <translation>Эта команда.</translation>
+    </message>
+    <message>
+        <source>%1 needs: %2.</source>
+        <translation>Команде %1 нужно: %2.</translation>
+    </message>
+    <message>
+        <source>voskantor-cli %1 --help describes its options.</source>
+        <translation>voskantor-cli %1 --help описывает её параметры.</translation>
+    </message>
+    <message>
+        <source>The format is text or json, not &quot;%1&quot;.</source>
+        <translation>Формат — text или json, а не «%1».</translation>
+    </message>
+</context>
+<context>
+    <name>cCliContext</name>
+    <message>
+        <source>Cannot read the project %1: %2</source>
+        <translation>Не удалось прочитать проект %1: %2</translation>
+    </message>
+    <message>
+        <source>No route is named &quot;%1&quot;. The project&apos;s routes:</source>
+        <translation>Маршрута «%1» нет. Маршруты проекта:</translation>
+    </message>
+</context>
+<context>
     <name>cConvertProgress</name>
     <message>
         <source>Converting sound files</source>
@@ -159,6 +258,41 @@
     </message>
 </context>
 <context>
+    <name>cInfoCommand</name>
+    <message>
+        <source>Lists the routes with their stops, the sounds they use and where the stops lie.</source>
+        <translation>Перечисляет маршруты с остановками, используемые звуки и область, где лежат остановки.</translation>
+    </message>
+    <message>
+        <source>The project file (.vosk).</source>
+        <translation>Файл проекта (.vosk).</translation>
+    </message>
+    <message>
+        <source>Project: %1</source>
+        <translation>Проект: %1</translation>
+    </message>
+    <message>
+        <source>Routes: %1</source>
+        <translation>Маршрутов: %1</translation>
+    </message>
+    <message>
+        <source>%1 [%2, %3]: %4 direct and %5 reverse stops</source>
+        <translation>%1 [%2, %3]: остановок в прямом направлении — %4, в обратном — %5</translation>
+    </message>
+    <message>
+        <source>Sounds: %1 referenced, %2 missing</source>
+        <translation>Звуков: используется %1, отсутствует %2</translation>
+    </message>
+    <message>
+        <source>No stops with coordinates.</source>
+        <translation>Нет остановок с координатами.</translation>
+    </message>
+    <message>
+        <source>Stops lie within longitude %1 to %2, latitude %3 to %4.</source>
+        <translation>Остановки лежат в пределах долготы от %1 до %2, широты от %3 до %4.</translation>
+    </message>
+</context>
+<context>
     <name>cMainWindow</name>
     <message>
         <source>Main</source>
@@ -195,6 +329,22 @@
     <message>
         <source>There is no unsaved work to recover.</source>
         <translation>Несохранённой работы для восстановления нет.</translation>
+    </message>
+    <message>
+        <source>Check project</source>
+        <translation>Проверить проект</translation>
+    </message>
+    <message>
+        <source>Look for what would make the device announce wrongly (F7)</source>
+        <translation>Найти то, из-за чего устройство объявит остановки неверно (F7)</translation>
+    </message>
+    <message>
+        <source>Check</source>
+        <translation>Проверка</translation>
+    </message>
+    <message>
+        <source>&amp;Tools</source>
+        <translation>&amp;Сервис</translation>
     </message>
 </context>
 <context>
@@ -392,6 +542,79 @@ Longitude %3, latitude %4</source>
     </message>
 </context>
 <context>
+    <name>cProblemOutput</name>
+    <message>
+        <source>No problems found.</source>
+        <translation>Проблем не найдено.</translation>
+    </message>
+    <message>
+        <source>Errors: %1, warnings: %2.</source>
+        <translation>Ошибок: %1, предупреждений: %2.</translation>
+    </message>
+</context>
+<context>
+    <name>cProblemText</name>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Предупреждение</translation>
+    </message>
+    <message>
+        <source>direct</source>
+        <translation>прямое</translation>
+    </message>
+    <message>
+        <source>reverse</source>
+        <translation>обратное</translation>
+    </message>
+    <message>
+        <source>All routes</source>
+        <translation>Все маршруты</translation>
+    </message>
+    <message>
+        <source>Route &quot;%1&quot;</source>
+        <translation>Маршрут «%1»</translation>
+    </message>
+    <message>
+        <source>stop %1 &quot;%2&quot;</source>
+        <translation>остановка %1 «%2»</translation>
+    </message>
+</context>
+<context>
+    <name>cProblemsDock</name>
+    <message>
+        <source>Problems</source>
+        <translation>Проблемы</translation>
+    </message>
+    <message>
+        <source>Route</source>
+        <translation>Маршрут</translation>
+    </message>
+    <message>
+        <source>Branch</source>
+        <translation>Направление</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Остановка</translation>
+    </message>
+    <message>
+        <source>Problem</source>
+        <translation>Проблема</translation>
+    </message>
+    <message>
+        <source>No problems found</source>
+        <translation>Проблем не найдено</translation>
+    </message>
+    <message>
+        <source>Errors: %1, warnings: %2</source>
+        <translation>Ошибок: %1, предупреждений: %2</translation>
+    </message>
+</context>
+<context>
     <name>cProjectManager</name>
     <message>
         <source>Failed to open file</source>
@@ -486,6 +709,33 @@ Longitude %3, latitude %4</source>
     <message>
         <source>inside the zone, but the heading is unknown: the vehicle had not yet moved 5 m</source>
         <translation>в зоне, но курс неизвестен: машина ещё не сдвинулась на 5 м</translation>
+    </message>
+</context>
+<context>
+    <name>cRouteCheck</name>
+    <message>
+        <source>The stop has no name.</source>
+        <translation>У остановки нет названия.</translation>
+    </message>
+    <message>
+        <source>The %1 &quot;%2&quot; has %3, which the passenger display shows as they are.</source>
+        <translation>В поле «%1» («%2») есть %3, и табло для пассажиров покажет их как есть.</translation>
+    </message>
+    <message>
+        <source>The direct branch has no stops.</source>
+        <translation>В прямом направлении нет остановок.</translation>
+    </message>
+    <message>
+        <source>The reverse branch has no stops, but a bidirectional route needs both.</source>
+        <translation>В обратном направлении нет остановок, а двустороннему маршруту нужны оба.</translation>
+    </message>
+    <message>
+        <source>This route and route &quot;%1&quot; would both be written to route/%2: one script would replace the other.</source>
+        <translation>Этот маршрут и маршрут «%1» записались бы в один файл route/%2: один сценарий заменил бы другой.</translation>
+    </message>
+    <message>
+        <source>The program %1 is not installed or not on the search path: no sound would be converted.</source>
+        <translation>Программа %1 не установлена или её нет в пути поиска: ни один звук не был бы преобразован.</translation>
     </message>
 </context>
 <context>
@@ -675,6 +925,22 @@ Longitude %3, latitude %4</source>
         <source>Failed to save route, file wasn&apos;t opened.</source>
         <translation>Не удалось сохранить маршрут: файл не открылся.</translation>
     </message>
+    <message>
+        <source>... and %1 more.</source>
+        <translation>... и ещё %1.</translation>
+    </message>
+    <message>
+        <source>These texts would not read back as they are:
+
+%1
+
+Save anyway?</source>
+        <translation>Эти тексты не прочитаются обратно такими, как есть:
+
+%1
+
+Всё равно сохранить?</translation>
+    </message>
 </context>
 <context>
     <name>cSaveDialog</name>
@@ -711,6 +977,48 @@ Longitude %3, latitude %4</source>
     </message>
 </context>
 <context>
+    <name>cSoundChecks</name>
+    <message>
+        <source>The sound file &quot;%1&quot; (%2) does not exist.</source>
+        <translation>Звукового файла «%1» (%2) нет.</translation>
+    </message>
+    <message>
+        <source>The sound file &quot;%1&quot; (%2) cannot be read: %3.</source>
+        <translation>Звуковой файл «%1» (%2) не читается: %3.</translation>
+    </message>
+    <message>
+        <source>The sound file &quot;%1&quot; (%2) is not a sound that can be converted: %3.</source>
+        <translation>Файл «%1» (%2) — не звук, который можно преобразовать: %3.</translation>
+    </message>
+    <message>
+        <source>The sound file &quot;%1&quot; (%2) lies in the export&apos;s voskdev folder: converting it would overwrite the original.</source>
+        <translation>Звуковой файл «%1» (%2) лежит в папке выгрузки voskdev: преобразование перезаписало бы оригинал.</translation>
+    </message>
+    <message>
+        <source>The sound files &quot;%1&quot; and &quot;%2&quot; would both become voskdev/%3 on the device&apos;s card: one would replace the other.</source>
+        <translation>Звуковые файлы «%1» и «%2» оба стали бы файлом voskdev/%3 на карте устройства: один заменил бы другой.</translation>
+    </message>
+</context>
+<context>
+    <name>cSoundProbe</name>
+    <message>
+        <source>the file is empty</source>
+        <translation>файл пуст</translation>
+    </message>
+    <message>
+        <source>ffmpeg did not finish reading it</source>
+        <translation>ffmpeg не смог дочитать его</translation>
+    </message>
+    <message>
+        <source>ffmpeg: %1</source>
+        <translation>ffmpeg: %1</translation>
+    </message>
+    <message>
+        <source>no sound found</source>
+        <translation>звук не найден</translation>
+    </message>
+</context>
+<context>
     <name>cSoundSelector</name>
     <message>
         <source>Open sound file</source>
@@ -719,6 +1027,49 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Sound files (*.wav);;All files (*.*)</source>
         <translation>Звуковые файлы (*.wav);;Все файлы (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>cStopChecks</name>
+    <message>
+        <source>The stop&apos;s centre is not a place on the Earth (longitude %1, latitude %2).</source>
+        <translation>Центр остановки — не точка на Земле (долгота %1, широта %2).</translation>
+    </message>
+    <message>
+        <source>The stop was never placed on the map: its centre is still the default point in Moscow.</source>
+        <translation>Остановку так и не поставили на карту: её центр всё ещё в точке по умолчанию в Москве.</translation>
+    </message>
+    <message>
+        <source>The zone radius is %1 m; it must be from 1 to %2 m.</source>
+        <translation>Радиус зоны — %1 м, а должен быть от 1 до %2 м.</translation>
+    </message>
+    <message>
+        <source>The course window is %1° wide; it must be from 1° to 360°.</source>
+        <translation>Ширина окна курса — %1°, а должна быть от 1° до 360°.</translation>
+    </message>
+    <message>
+        <source>The stop is only %1 m from the previous stop &quot;%2&quot;: probably the same stop entered twice.</source>
+        <translation>Остановка всего в %1 м от предыдущей, «%2»: вероятно, одна и та же остановка введена дважды.</translation>
+    </message>
+    <message>
+        <source>The zone overlaps that of the previous stop &quot;%1&quot; (%2 m apart, radii %3 m and %4 m): the device may announce them out of order.</source>
+        <translation>Зона пересекается с зоной предыдущей остановки «%1» (между центрами %2 м, радиусы %3 м и %4 м): устройство может объявить их не по порядку.</translation>
+    </message>
+    <message>
+        <source>The stop is %1 km from the previous stop &quot;%2&quot;, while stops of this branch are usually %3 m apart: check its coordinates.</source>
+        <translation>Остановка в %1 км от предыдущей, «%2», а обычно остановки этого направления в %3 м друг от друга: проверьте её координаты.</translation>
+    </message>
+    <message>
+        <source>The stop has the same centre and name as stop %1.</source>
+        <translation>У остановки тот же центр и то же название, что у остановки %1.</translation>
+    </message>
+    <message>
+        <source>Buses pass here heading %1°, outside the course window of %2° ± %3°: the window probably belongs to the other direction.</source>
+        <translation>Автобусы идут здесь курсом %1°, вне окна курса %2° ± %3°: вероятно, окно относится к другому направлению.</translation>
+    </message>
+    <message>
+        <source>The zone overlaps that of reverse stop %1 &quot;%2&quot; and their course windows do not tell the directions apart: the device may announce the wrong one.</source>
+        <translation>Зона пересекается с зоной остановки %1 «%2» обратного направления, а окна курса не различают направления: устройство может объявить не ту остановку.</translation>
     </message>
 </context>
 <context>
@@ -850,6 +1201,109 @@ Longitude %3, latitude %4</source>
     <message>
         <source>Not applied yet: the next edit of this stop writes it</source>
         <translation>Ещё не применено: запишется при следующем изменении этой остановки</translation>
+    </message>
+</context>
+<context>
+    <name>cTextRules</name>
+    <message>
+        <source>route name</source>
+        <translation>название маршрута</translation>
+    </message>
+    <message>
+        <source>route number</source>
+        <translation>номер маршрута</translation>
+    </message>
+    <message>
+        <source>route type</source>
+        <translation>тип маршрута</translation>
+    </message>
+    <message>
+        <source>sound of the current stop message</source>
+        <translation>звук сообщения о текущей остановке</translation>
+    </message>
+    <message>
+        <source>sound of the next stop message</source>
+        <translation>звук сообщения о следующей остановке</translation>
+    </message>
+    <message>
+        <source>sound of the last stop message</source>
+        <translation>звук сообщения о конечной остановке</translation>
+    </message>
+    <message>
+        <source>text of the current stop message</source>
+        <translation>текст сообщения о текущей остановке</translation>
+    </message>
+    <message>
+        <source>text of the next stop message</source>
+        <translation>текст сообщения о следующей остановке</translation>
+    </message>
+    <message>
+        <source>text of the last stop message</source>
+        <translation>текст сообщения о конечной остановке</translation>
+    </message>
+    <message>
+        <source>alternate first stop name</source>
+        <translation>другое название первой остановки</translation>
+    </message>
+    <message>
+        <source>alternate last stop name</source>
+        <translation>другое название последней остановки</translation>
+    </message>
+    <message>
+        <source>stop name</source>
+        <translation>название остановки</translation>
+    </message>
+    <message>
+        <source>full stop name</source>
+        <translation>полное название остановки</translation>
+    </message>
+    <message>
+        <source>stop sound</source>
+        <translation>звук остановки</translation>
+    </message>
+    <message>
+        <source>other sound %1</source>
+        <translation>дополнительный звук %1</translation>
+    </message>
+    <message>
+        <source>other text</source>
+        <translation>дополнительный текст</translation>
+    </message>
+    <message>
+        <source>a single quote</source>
+        <translation>одинарная кавычка</translation>
+    </message>
+    <message>
+        <source>a backslash</source>
+        <translation>обратная косая черта</translation>
+    </message>
+    <message>
+        <source>a line break</source>
+        <translation>перевод строки</translation>
+    </message>
+    <message>
+        <source>a percent sign followed by a digit</source>
+        <translation>знак процента с цифрой после него</translation>
+    </message>
+    <message>
+        <source>This text holds %1: the device script and the project file would read it back differently.</source>
+        <translation>В тексте есть %1: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
+    </message>
+    <message>
+        <source>spaces at the start or end</source>
+        <translation>пробелы в начале или в конце</translation>
+    </message>
+    <message>
+        <source>doubled spaces</source>
+        <translation>двойные пробелы</translation>
+    </message>
+    <message>
+        <source>control or invisible characters</source>
+        <translation>управляющие или невидимые символы</translation>
+    </message>
+    <message>
+        <source>The %1 &quot;%2&quot; holds %3: the device script and the project file would read it back differently.</source>
+        <translation>В поле «%1» («%2») есть %3: сценарий устройства и файл проекта прочитали бы его иначе.</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,7 @@
+#include "command.h"
+#include "commands.h"
+
+QList<const cCommand*> commandTable()
+{
+    return {&checkCommand(), &infoCommand()};
+}
