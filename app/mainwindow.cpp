@@ -21,6 +21,7 @@
 #include <QMessageBox>
 #include <QSettings>
 #include <QTabWidget>
+#include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
 
@@ -70,6 +71,9 @@ cMainWindow::cMainWindow(QWidget* parent)
     tabWidget->addTab(stopEditor, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
+    // There from the start, so that a long open or save does not resize the
+    // window when it first says what it is doing.
+    statusBar();
     createCheckCommands();
 
     autosaver = new cAutosaver(projectManager, this);

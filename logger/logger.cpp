@@ -56,7 +56,7 @@ void writeWhole(int fd, const char* data, size_t size)
 
 } // namespace
 
-QByteArray cLineClock::text()
+const QByteArray& cLineClock::text()
 {
     const qint64 second = QDateTime::currentSecsSinceEpoch();
     if (second != m_second) {
@@ -105,21 +105,42 @@ void cLogger::setLogEdit(QPlainTextEdit* edit, bool highlight)
 
 void cLogger::log(QtMsgType type, const QString& msg)
 {
-    const QByteArray time = clock.text();
+    const QByteArray& time = clock.text();
+    const QLatin1String word = levelWord(type);
     if (logEdit) {
-        logEdit->appendPlainText(QString::fromLatin1(time) + QLatin1Char(' ') + levelWord(type) + QLatin1String("  ") + msg);
+        logEdit->appendPlainText(QString::fromLatin1(time) + QLatin1Char(' ') + word + QLatin1String("  ") + msg);
         QScrollBar* bar = logEdit->verticalScrollBar();
         bar->setValue(bar->maximum());
     }
     if (logFile.isOpen()) {
-        const QLatin1String word = levelWord(type);
-        const QByteArray text = codec->fromUnicode(msg);
-        QByteArray line;
-        line.reserve(time.size() + word.size() + text.size() + 4);
-        line.append(time).append(' ').append(word.data(), word.size()).append("  ", 2).append(text).append('\n');
+        // The buffer keeps its capacity from line to line.
+        line.resize(0);
+        line.append(time).append(' ').append(word.data(), word.size()).append("  ", 2);
+        appendLocal8Bit(msg);
+        line.append('\n');
         // Straight to the file, unbuffered: the line is in the file before
         // the next message is handled, even if the process dies then.
         writeWhole(logFile.handle(), line.constData(), size_t(line.size()));
+    }
+}
+
+void cLogger::appendLocal8Bit(const QString& text)
+{
+    // Most messages are ASCII, which every local encoding this program runs
+    // with keeps byte for byte; only the others go through the codec.
+    const QChar* chars = text.constData();
+    const int length = text.size();
+    const int start = line.size();
+    line.resize(start + length);
+    char* out = line.data() + start;
+    for (int i = 0; i < length; ++i) {
+        const ushort unit = chars[i].unicode();
+        if (unit >= 0x80) {
+            line.resize(start);
+            line.append(codec->fromUnicode(text));
+            return;
+        }
+        out[i] = char(unit);
     }
 }
 
@@ -155,6 +176,7 @@ void cLogger::openLogFile()
     logFile.setFileName(path);
     logFile.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text);
     codec = QTextCodec::codecForLocale();
+    line.reserve(lineCapacity);
 
     if (logFile.isOpen())
         qDebug() << "Logs:" << path;

@@ -19,7 +19,7 @@ class cHighlighter;
 class cLineClock
 {
 public:
-    QByteArray text();
+    const QByteArray& text();
 
 private:
     qint64 m_second = -1;
@@ -47,6 +47,7 @@ private slots:
 
 private:
     void openLogFile();
+    void appendLocal8Bit(const QString& text);
     static QString defaultLogDir(bool byDate);
 
     QFile logFile;
@@ -57,6 +58,9 @@ private:
     bool byDate;
     cLineClock clock;
     QTextCodec* codec = nullptr;
+    // The file line being built; kept to spare an allocation per line.
+    QByteArray line;
+    static constexpr int lineCapacity = 4096;
 };
 
 // Installed by cLogger; forwards every message to the bridge and never does

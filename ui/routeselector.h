@@ -72,6 +72,8 @@ private:
 
     void importRoute(ImportKind kind);
     void openProjectFile(const QString& path);
+    bool openWhileBusy(const QString& path);
+    bool saveWhileBusy(const QString& path);
     void setError(bool error, const QString& message = QString());
     void showFailedFiles();
     QString askProjectFile(bool forSaving);
