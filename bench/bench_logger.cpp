@@ -28,6 +28,7 @@ int countWholeLines(const QString& path)
 
 int main(int argc, char** argv)
 {
+    logger::useLeanEventLoop();
     QCoreApplication app(argc, argv);
     QTemporaryDir dir;
     const QString burstPath = dir.filePath(QStringLiteral("burst.log"));

@@ -6,6 +6,7 @@
 // measured (for example xvfb-run).
 
 #include "guisupport.h"
+#include "logger.h"
 #include "mainwindow.h"
 #include "projectmanager.h"
 #include "startup.h"
@@ -82,6 +83,7 @@ int runWindow(int argc, char** argv)
 {
     const QString file = QString::fromLocal8Bit(argv[2]);
     guisupport::cIsolatedHome home;
+    logger::useLeanEventLoop();
     setApplicationNames();
     QApplication app(argc, argv);
     applyApplicationLook(app);

@@ -192,6 +192,12 @@ QString cLogger::defaultLogDir(bool byDate)
     return dir;
 }
 
+void useLeanEventLoop()
+{
+    if (!qEnvironmentVariableIsSet("QT_NO_GLIB"))
+        qputenv("QT_NO_GLIB", "1");
+}
+
 void messageHandler(QtMsgType type, const QMessageLogContext&, const QString& msg)
 {
     switch (type) {

@@ -63,6 +63,12 @@ private:
     static constexpr int lineCapacity = 4096;
 };
 
+// To be called before the application object exists. Qt's GLib event loop
+// makes a system call for every event posted to it, and every log line is
+// one; the plain Unix loop wakes once per batch. A choice the user made in
+// the environment stands.
+void useLeanEventLoop();
+
 // Installed by cLogger; forwards every message to the bridge and never does
 // any formatting or I/O itself.
 void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& msg);
