@@ -1,3 +1,4 @@
+#include "logger.h"
 #include "mainwindow.h"
 #include "startup.h"
 
@@ -7,6 +8,7 @@
 
 int main(int argc, char* argv[])
 {
+    logger::useLeanEventLoop();
     setApplicationNames();
     QApplication app(argc, argv);
     applyApplicationLook(app);

@@ -26,6 +26,7 @@
 #include <QDockWidget>
 #include <QKeySequence>
 #include <QTabWidget>
+#include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
 #include <QUndoStack>
@@ -87,6 +88,9 @@ cMainWindow::cMainWindow(QWidget* parent)
     tabWidget->addTab(stopEditor, QIcon(QStringLiteral(":icon/bus_stop.ico")), tr("Stops"));
     tabWidget->addTab(new QWidget, QIcon(QStringLiteral(":icon/event.ico")), tr("Events"));
     setCentralWidget(tabWidget);
+    // There from the start, so that a long open or save does not resize the
+    // window when it first says what it is doing.
+    statusBar();
     createCheckCommands();
     createHistory();
 

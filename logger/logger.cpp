@@ -12,31 +12,59 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QStandardPaths>
+#include <QTextCodec>
 #include <QTime>
 
+#include <cerrno>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace logger {
 
 namespace {
 
-QString levelWord(QtMsgType type)
+QLatin1String levelWord(QtMsgType type)
 {
     switch (type) {
     case QtDebugMsg:
-        return QStringLiteral("DEBUG");
+        return QLatin1String("DEBUG");
     case QtInfoMsg:
-        return QStringLiteral("INFO");
+        return QLatin1String("INFO");
     case QtWarningMsg:
-        return QStringLiteral("WARNING");
+        return QLatin1String("WARNING");
     case QtCriticalMsg:
     case QtFatalMsg:
-        return QStringLiteral("ERROR");
+        return QLatin1String("ERROR");
     }
-    return QString();
+    return QLatin1String("");
+}
+
+// One write call per line, so that whatever reaches the file is whole lines
+// in order; a short write (a full disk) is retried with the rest.
+void writeWhole(int fd, const char* data, size_t size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(fd, data, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return;
+        data += written;
+        size -= size_t(written);
+    }
 }
 
 } // namespace
+
+const QByteArray& cLineClock::text()
+{
+    const qint64 second = QDateTime::currentSecsSinceEpoch();
+    if (second != m_second) {
+        m_second = second;
+        m_text = QDateTime::fromSecsSinceEpoch(second).time().toString(Qt::TextDate).toLatin1();
+    }
+    return m_text;
+}
 
 cLogger::cLogger(QObject* parent, const QString& dir, bool byDate)
     : QObject(parent)
@@ -77,18 +105,42 @@ void cLogger::setLogEdit(QPlainTextEdit* edit, bool highlight)
 
 void cLogger::log(QtMsgType type, const QString& msg)
 {
-    const QString line = QTime::currentTime().toString(Qt::TextDate) + QLatin1Char(' ')
-        + levelWord(type) + QLatin1String("  ") + msg;
-
+    const QByteArray& time = clock.text();
+    const QLatin1String word = levelWord(type);
     if (logEdit) {
-        logEdit->appendPlainText(line);
+        logEdit->appendPlainText(QString::fromLatin1(time) + QLatin1Char(' ') + word + QLatin1String("  ") + msg);
         QScrollBar* bar = logEdit->verticalScrollBar();
         bar->setValue(bar->maximum());
     }
     if (logFile.isOpen()) {
-        logFile.write((line + QLatin1Char('\n')).toLocal8Bit());
-        // Flushed line by line so the file is complete even if the process dies.
-        logFile.flush();
+        // The buffer keeps its capacity from line to line.
+        line.resize(0);
+        line.append(time).append(' ').append(word.data(), word.size()).append("  ", 2);
+        appendLocal8Bit(msg);
+        line.append('\n');
+        // Straight to the file, unbuffered: the line is in the file before
+        // the next message is handled, even if the process dies then.
+        writeWhole(logFile.handle(), line.constData(), size_t(line.size()));
+    }
+}
+
+void cLogger::appendLocal8Bit(const QString& text)
+{
+    // Most messages are ASCII, which every local encoding this program runs
+    // with keeps byte for byte; only the others go through the codec.
+    const QChar* chars = text.constData();
+    const int length = text.size();
+    const int start = line.size();
+    line.resize(start + length);
+    char* out = line.data() + start;
+    for (int i = 0; i < length; ++i) {
+        const ushort unit = chars[i].unicode();
+        if (unit >= 0x80) {
+            line.resize(start);
+            line.append(codec->fromUnicode(text));
+            return;
+        }
+        out[i] = char(unit);
     }
 }
 
@@ -123,6 +175,8 @@ void cLogger::openLogFile()
 
     logFile.setFileName(path);
     logFile.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text);
+    codec = QTextCodec::codecForLocale();
+    line.reserve(lineCapacity);
 
     if (logFile.isOpen())
         qDebug() << "Logs:" << path;
@@ -136,6 +190,12 @@ QString cLogger::defaultLogDir(bool byDate)
     if (byDate)
         dir += QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char('/');
     return dir;
+}
+
+void useLeanEventLoop()
+{
+    if (!qEnvironmentVariableIsSet("QT_NO_GLIB"))
+        qputenv("QT_NO_GLIB", "1");
 }
 
 void messageHandler(QtMsgType type, const QMessageLogContext&, const QString& msg)

@@ -4,7 +4,10 @@
 
 #include <QDebug>
 #include <QFile>
+#include <QTextCodec>
 #include <QTextStream>
+
+#include <algorithm>
 
 #include <cstdlib>
 #include <lua.hpp>
@@ -25,6 +28,7 @@ int panic(lua_State* L)
 
 cLuaState::cLuaState()
 {
+    m_budget.progress = &m_progress;
     m_state = lua_newstate(&cLuaState::allocate, &m_budget);
     if (m_state)
         lua_atpanic(m_state, panic);
@@ -60,6 +64,8 @@ void cLuaState::countInstructions(lua_State* L, lua_Debug*)
     lua_getallocf(L, &ud);
     auto* budget = static_cast<Budget*>(ud);
     budget->instructions += hookInstructionCount;
+    if (budget->progress && *budget->progress)
+        (*budget->progress)();
     if (budget->instructions > instructionLimit) {
         budget->instructionsExceeded = true;
         luaL_error(L, "instruction limit exceeded");
@@ -83,9 +89,40 @@ bool cLuaState::isConstantOverflow(const QString& error)
     return error.contains(QLatin1String("constant table overflow"));
 }
 
+namespace {
+
+// Hands the chunk to the parser a piece at a time, so that the owner hears
+// from a long parse now and then.
+struct cPieceReader
+{
+    const char* text;
+    size_t left;
+    const std::function<void()>* progress;
+
+    static const char* read(lua_State*, void* data, size_t* size)
+    {
+        constexpr size_t pieceBytes = 512 * 1024;
+        auto* reader = static_cast<cPieceReader*>(data);
+        if (reader->left == 0) {
+            *size = 0;
+            return nullptr;
+        }
+        if (*reader->progress)
+            (*reader->progress)();
+        const char* piece = reader->text;
+        *size = std::min(reader->left, pieceBytes);
+        reader->text += *size;
+        reader->left -= *size;
+        return piece;
+    }
+};
+
+} // namespace
+
 bool cLuaState::loadAndCall(const char* text, size_t length, const char* name, int results)
 {
-    int status = luaL_loadbuffer(m_state, text, length, name);
+    cPieceReader reader{text, length, &m_progress};
+    int status = lua_load(m_state, &cPieceReader::read, &reader, name);
     if (status == 0)
         status = lua_pcall(m_state, 0, results, 0);
     if (status == 0)
@@ -131,8 +168,22 @@ void cLuaState::logExceededLimit(size_t memoryLimit) const
         qWarning().noquote() << "File not read: it needs more than" << memoryLimit << "bytes of memory";
 }
 
+// The file's text in the local 8-bit encoding, as Lua gets it. In a UTF-8
+// locale the bytes already are that text; decoding them into a QString and
+// back would only cost time and twice the memory. A byte-order mark is
+// dropped, as a text stream would.
+QByteArray cLuaState::localChunk(const QByteArray& bytes)
+{
+    static const QByteArray utf8Mark("\xEF\xBB\xBF");
+    const bool unicodeMark = bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
+    if (QTextCodec::codecForLocale()->mibEnum() == utf8Mib && !unicodeMark)
+        return bytes.startsWith(utf8Mark) ? bytes.mid(utf8Mark.size()) : bytes;
+    QTextStream stream(bytes);
+    return stream.readAll().toLocal8Bit();
+}
+
 bool cLuaState::runFile(const QString& path, const char* global, const std::function<bool(lua_State*)>& read,
-                        bool* result, QString* error)
+                        bool* result, QString* error, const std::function<void()>& progress)
 {
     const auto fail = [error](const QString& text) {
         if (error)
@@ -143,12 +194,15 @@ bool cLuaState::runFile(const QString& path, const char* global, const std::func
         fail(file.errorString());
         return false;
     }
-    const QString text = QTextStream(&file).readAll();
+    const QByteArray chunk = localChunk(file.readAll());
     file.close();
 
     *result = false;
     cLuaState lua;
-    if (!lua.run(text.toLocal8Bit())) {
+    lua.m_progress = progress;
+    const bool ran = lua.run(chunk);
+    lua.m_progress = nullptr;
+    if (!ran) {
         fail(lua.errorText());
         return true;
     }

@@ -45,8 +45,10 @@ public:
     // returned, or false when the chunk failed or set no such table.
     // `error`, when given, gets why the file is not read: the file's or
     // Lua's own message; failures inside the table are only logged.
+    // `progress` is called now and then while the chunk is parsed and run,
+    // never while `read` works.
     static bool runFile(const QString& path, const char* global, const std::function<bool(lua_State*)>& read,
-                        bool* result, QString* error = nullptr);
+                        bool* result, QString* error = nullptr, const std::function<void()>& progress = {});
 
     // Used while running: a chunk's load, call and the limits around them.
     bool loadAndCall(const char* text, size_t length, const char* name, int results);
@@ -77,13 +79,18 @@ private:
         qint64 instructions = 0;
         bool memoryExceeded = false;
         bool instructionsExceeded = false;
+        const std::function<void()>* progress = nullptr;
     };
+
+    static constexpr int utf8Mib = 106;
+    static QByteArray localChunk(const QByteArray& bytes);
 
     static void* allocate(void* ud, void* ptr, size_t oldSize, size_t newSize);
     static void countInstructions(lua_State* L, struct lua_Debug* ar);
     void logExceededLimit(size_t memoryLimit) const;
 
     Budget m_budget;
+    std::function<void()> m_progress;
     lua_State* m_state = nullptr;
     QString m_error;
 };

@@ -63,7 +63,7 @@ bool cProjectManager::openProject(const QString& path, QString* error)
         resetProject();
         emit projectCreated();
         return readProject(m_project, L, false);
-    }, &result, error);
+    }, &result, error, [this]() { emit openInProgress(); });
     if (!opened)
         return false;
     emit projectOpened();

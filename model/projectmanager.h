@@ -41,6 +41,9 @@ signals:
     void projectOpened();
     void projectSaved();
     void routeImported(QUuid id);
+    // Now and then while a file being opened is parsed; the records are
+    // untouched until it is parsed.
+    void openInProgress();
 
 private:
     void resetProject();

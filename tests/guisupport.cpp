@@ -79,22 +79,28 @@ void answerFileDialog(const QString& path, QString* openedIn)
 {
     answerNextModal([path, openedIn](QWidget* widget) {
         auto* dialog = qobject_cast<QFileDialog*>(widget);
-        if (!dialog) {
-            widget->close();
-            return;
-        }
-        if (openedIn)
+        if (dialog && openedIn)
             *openedIn = dialog->directory().absolutePath();
-        if (path.isEmpty()) {
-            dialog->reject();
-            return;
-        }
-        dialog->selectFile(path);
-        // Once the name field has focus, selectFile no longer fills it.
-        if (auto* nameEdit = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
-            nameEdit->setText(path);
-        static_cast<QDialog*>(dialog)->accept();
+        chooseFile(widget, path);
     });
+}
+
+void chooseFile(QWidget* widget, const QString& path)
+{
+    auto* dialog = qobject_cast<QFileDialog*>(widget);
+    if (!dialog) {
+        widget->close();
+        return;
+    }
+    if (path.isEmpty()) {
+        dialog->reject();
+        return;
+    }
+    dialog->selectFile(path);
+    // Once the name field has focus, selectFile no longer fills it.
+    if (auto* nameEdit = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+        nameEdit->setText(path);
+    static_cast<QDialog*>(dialog)->accept();
 }
 
 void answerMessageBox(QString* text, const QString& buttonText)

@@ -35,6 +35,8 @@ int dropPendingAnswers();
 // Answers the next file dialog with `path`, or cancels it when empty;
 // `openedIn` takes the folder the dialog opened in.
 void answerFileDialog(const QString& path, QString* openedIn = nullptr);
+// What that answer does to a file dialog once it is shown.
+void chooseFile(QWidget* fileDialog, const QString& path);
 
 // Reads the next message box's text into `text` (if given) and presses the
 // button with `buttonText`, or the default button when empty.

@@ -4,6 +4,7 @@
 #include "logwidget.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QRegularExpression>
@@ -20,6 +21,13 @@
 namespace {
 
 const char fatalChildArg[] = "--fatal-child";
+const char streamChildArg[] = "--stream-child";
+
+// Lines of changing length, some not ASCII, so that a torn write would show.
+QString streamedMessage(int index)
+{
+    return QStringLiteral("line %1 %2%3").arg(index).arg(QString(index % 7, QChar(0x00FC)), QString(index % 97, QLatin1Char('x')));
+}
 
 QStringList readLines(const QString& path)
 {
@@ -74,6 +82,18 @@ QString look(const QTextBlock& block)
     qWarning("before fatal");
     QCoreApplication::sendPostedEvents();
     qFatal("fatal line");
+}
+
+// Runs in a child process: logs in bursts, as a reader does, until killed.
+[[noreturn]] void streamChild(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    logger::cLogger logs(nullptr, QString::fromLocal8Bit(argv[2]), false);
+    for (int index = 0;;) {
+        for (int burst = 0; burst < 50; ++burst, ++index)
+            qDebug().noquote() << streamedMessage(index);
+        QCoreApplication::processEvents();
+    }
 }
 
 } // namespace
@@ -214,6 +234,31 @@ private slots:
         QCOMPARE(tail(lines[0]), QStringLiteral(" WARNING  before fatal"));
     }
 
+    // Whenever the process dies, the file holds whole lines, in order, with
+    // nothing missing before the last one.
+    void killedMidStreamLeavesWholeLines()
+    {
+        for (const qint64 bytesBeforeKill : {qint64(1), qint64(200000), qint64(3000000)}) {
+            QTemporaryDir dir;
+            const QString path = dir.filePath(QStringLiteral("stream.log"));
+            QProcess child;
+            child.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(streamChildArg), path});
+            QVERIFY(child.waitForStarted());
+            QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() >= bytesBeforeKill, 60000);
+            child.kill();
+            QVERIFY(child.waitForFinished());
+
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QByteArray bytes = file.readAll();
+            QVERIFY(bytes.endsWith('\n'));
+            const QStringList lines = QString::fromLocal8Bit(bytes).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+            QVERIFY(!lines.isEmpty());
+            for (int i = 0; i < lines.size(); ++i)
+                QCOMPARE(tail(lines[i]), QStringLiteral(" DEBUG  ") + streamedMessage(i));
+        }
+    }
+
     void highlighting_data()
     {
         QTest::addColumn<QString>("text");
@@ -269,6 +314,8 @@ int main(int argc, char** argv)
 {
     if (argc == 3 && qstrcmp(argv[1], fatalChildArg) == 0)
         fatalChild(argc, argv);
+    if (argc == 3 && qstrcmp(argv[1], streamChildArg) == 0)
+        streamChild(argc, argv);
     QApplication app(argc, argv);
     tst_Logger test;
     return QTest::qExec(&test, argc, argv);

@@ -106,6 +106,11 @@ void tst_ProjectFile::projectWithRoutesRoundTrip()
     const QByteArray first = readFile(path("p.vosk"));
     QVERIFY(other.saveProject(path("p.vosk")));
     QCOMPARE(readFile(path("p.vosk")), first);
+
+    // As another editor may leave it: a byte-order mark and CR LF line ends.
+    cProjectManager fromWindows;
+    QVERIFY(fromWindows.openProject(writeProjectFile("\xEF\xBB\xBF" + QByteArray(first).replace("\n", "\r\n"))));
+    QCOMPARE(difference(*fromWindows.project(), saved), QString());
 }
 
 void tst_ProjectFile::openFailures_data()

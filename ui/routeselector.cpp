@@ -1,5 +1,6 @@
 #include "routeselector.h"
 
+#include "busyscope.h"
 #include "convertprogress.h"
 #include "converter.h"
 #include "errordialog.h"
@@ -231,9 +232,25 @@ void cRouteSelector::openProjectFiles(const QStringList& paths)
     }
 }
 
+bool cRouteSelector::openWhileBusy(const QString& path)
+{
+    cBusyScope busy(this, tr("Opening %1...").arg(QDir::toNativeSeparators(path)));
+    const QMetaObject::Connection painting
+        = connect(projectManager, &cProjectManager::openInProgress, this, [&busy]() { busy.keepPainting(); });
+    const bool opened = projectManager->openProject(path);
+    disconnect(painting);
+    return opened;
+}
+
+bool cRouteSelector::saveWhileBusy(const QString& path)
+{
+    cBusyScope busy(this, tr("Saving %1...").arg(QDir::toNativeSeparators(path)));
+    return projectManager->saveProject(path);
+}
+
 void cRouteSelector::openProjectFile(const QString& path)
 {
-    if (projectManager->openProject(path)) {
+    if (openWhileBusy(path)) {
         setError(false);
         fileName = path;
         emit fileNameChanged(path);
@@ -266,7 +283,7 @@ bool cRouteSelector::confirmUnsafeTexts()
 
 bool cRouteSelector::openRecovered(const QString& autosave, const QString& projectFile)
 {
-    if (!projectManager->openProject(autosave)) {
+    if (!openWhileBusy(autosave)) {
         setError(true, tr("Project has some errors, failed to open."));
         return false;
     }
@@ -284,7 +301,7 @@ void cRouteSelector::saveProject()
     }
     if (!confirmUnsafeTexts())
         return;
-    if (projectManager->saveProject(fileName))
+    if (saveWhileBusy(fileName))
         setError(false);
     else
         setError(true, tr("Failed to save project."));
@@ -297,7 +314,7 @@ void cRouteSelector::saveAsProject()
     const QString path = askProjectFile(true);
     if (path.isEmpty())
         return;
-    if (projectManager->saveProject(path)) {
+    if (saveWhileBusy(path)) {
         setError(false);
         fileName = path;
         emit fileNameChanged(path);

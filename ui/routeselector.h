@@ -92,6 +92,8 @@ private:
     void fillList();
     void moveRoutesTo(int destination);
     void openProjectFile(const QString& path);
+    bool openWhileBusy(const QString& path);
+    bool saveWhileBusy(const QString& path);
     void setError(bool error, const QString& message = QString());
     bool checkBeforeExport(const QList<cExportItem>& items);
     QString askProjectFile(bool forSaving);

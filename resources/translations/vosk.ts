@@ -1687,6 +1687,14 @@ Save anyway?</source>
             <numerusform>Перемещение %n маршрутов</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Opening %1...</source>
+        <translation>Открытие %1...</translation>
+    </message>
+    <message>
+        <source>Saving %1...</source>
+        <translation>Сохранение %1...</translation>
+    </message>
 </context>
 <context>
     <name>cSaveDialog</name>
