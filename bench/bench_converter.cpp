@@ -5,11 +5,11 @@
 
 #include "converter.h"
 #include "logmarks.h"
+#include "sourcetone.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -28,9 +28,7 @@ int main(int argc, char** argv)
     root.mkdir("src");
     root.mkdir("out");
 
-    const QString tone = root.filePath("tone.mp3");
-    QProcess::execute("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=1", "-ar", "44100",
-                                 "-ac", "2", "-b:a", "128k", tone});
+    const QString tone = writeSourceTone(root);
     QStringList files;
     for (int i = 0; i < fileCount; ++i) {
         files << root.filePath(QStringLiteral("src/stop_%1.mp3").arg(i, 3, 10, QLatin1Char('0')));

@@ -6,6 +6,7 @@
 #include "converter.h"
 #include "exportnames.h"
 #include "logmarks.h"
+#include "sourcetone.h"
 #include "routecheck.h"
 #include "routeexport.h"
 #include "testsupport.h"
@@ -13,7 +14,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -31,9 +31,7 @@ int main(int argc, char** argv)
     QDir root(dir.path());
     root.mkdir("src");
     root.mkdir("out");
-    const QString tone = root.filePath("tone.mp3");
-    QProcess::execute("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=1", "-ar", "44100",
-                                 "-ac", "2", "-b:a", "128k", tone});
+    const QString tone = writeSourceTone(root);
 
     // generatedProject's first route, cut to 50 stops, each sound a copy of
     // the tone.
