@@ -1,4 +1,5 @@
 #include "projectmanager.h"
+#include "testsupport.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -36,14 +37,6 @@ QString eventList(const QString& name, const QString& events)
 QString evtFile(const QString& lists)
 {
     return "<?xml version=\"1.0\"?>\n<route>\n" + lists + "</route>\n";
-}
-
-QStringList stopNames(const cBranch& branch)
-{
-    QStringList names;
-    for (const cStop& stop : branch.stops)
-        names << stop.name;
-    return names;
 }
 
 } // namespace
@@ -94,8 +87,8 @@ private slots:
         QCOMPARE(manager.project()->routes.size(), 1);
         const cRoute& route = manager.project()->routes.first();
         QCOMPARE(route.type, QString("bidir"));
-        QCOMPARE(stopNames(route.direct), direct);
-        QCOMPARE(stopNames(route.reverse), reverse);
+        QCOMPARE(testsupport::stopNames(route.direct.stops), direct);
+        QCOMPARE(testsupport::stopNames(route.reverse.stops), reverse);
     }
 
     void announcesImport()
@@ -177,7 +170,7 @@ private slots:
         const cRoute& route = manager.project()->routes.first();
         QVERIFY(route.id.isNull());
         QVERIFY(route.name.isEmpty() && route.short_name.isEmpty() && route.base_text.current.isEmpty());
-        QCOMPARE(stopNames(route.reverse), QStringList{"C"});
+        QCOMPARE(testsupport::stopNames(route.reverse.stops), QStringList{"C"});
         QCOMPARE(imported.count(), 1);
         QVERIFY(imported.first().first().value<QUuid>().isNull());
     }
@@ -193,7 +186,7 @@ private slots:
         QVERIFY(import(manager, evtFile(eventList("7", stopEvent("O'Hara", zone) + stopEvent(cyrillic)))));
 
         const QList<cStop>& stops = manager.project()->routes.first().direct.stops;
-        QCOMPARE(stopNames(manager.project()->routes.first().direct), (QStringList{"O\\'Hara", cyrillic}));
+        QCOMPARE(testsupport::stopNames(manager.project()->routes.first().direct.stops), (QStringList{"O\\'Hara", cyrillic}));
         const cStop& stop = stops.first();
         QCOMPARE(stop.radius, 42);
         QCOMPARE(stop.lat, 55.7512);
@@ -292,7 +285,7 @@ private slots:
 
         cProjectManager manager;
         QVERIFY(import(manager, evtFile(eventList("7", stopEvent("Before") + badEvent + stopEvent("After")))));
-        QCOMPARE(stopNames(manager.project()->routes.first().direct), (QStringList{"Before", "After"}));
+        QCOMPARE(testsupport::stopNames(manager.project()->routes.first().direct.stops), (QStringList{"Before", "After"}));
     }
 };
 

@@ -71,13 +71,6 @@ private:
     void randomEdit(QRandomGenerator& random, QMap<int, QString>& texts);
 
     QTabWidget* tabs() { return qobject_cast<QTabWidget*>(m_window->centralWidget()); }
-    QStringList stopNames(const cBranch& branch)
-    {
-        QStringList names;
-        for (const cStop& stop : branch.stops)
-            names << stop.name;
-        return names;
-    }
 
     QTemporaryDir m_temp;
     cTileServer m_server;
@@ -372,19 +365,19 @@ void tst_History::mirrorAndMoveSeveralStops()
 
     // Several stops move and go together, one step each.
     selector()->selectRoute(route(0).id);
-    const QStringList names = stopNames(route(0).direct);
+    const QStringList names = testsupport::stopNames(route(0).direct.stops);
     selectStops({0, 2});
     find<QToolButton>("downStopBtn")->click();
-    QCOMPARE(stopNames(route(0).direct), (QStringList{names[1], names[0], names[3], names[2]}));
+    QCOMPARE(testsupport::stopNames(route(0).direct.stops), (QStringList{names[1], names[0], names[3], names[2]}));
     dropOn(stopList(), 4);
-    QCOMPARE(stopNames(route(0).direct), (QStringList{names[1], names[3], names[0], names[2]}));
+    QCOMPARE(testsupport::stopNames(route(0).direct.stops), (QStringList{names[1], names[3], names[0], names[2]}));
     find<QToolButton>("deleteStopBtn")->click();
-    QCOMPARE(stopNames(route(0).direct), (QStringList{names[1], names[3]}));
+    QCOMPARE(testsupport::stopNames(route(0).direct.stops), (QStringList{names[1], names[3]}));
     QCOMPARE(find<QAction>("undoAction")->text(), QStringLiteral("Undo Delete 2 stops"));
     stack()->undo();
     stack()->undo();
     stack()->undo();
-    QCOMPARE(stopNames(route(0).direct), names);
+    QCOMPARE(testsupport::stopNames(route(0).direct.stops), names);
 }
 
 VOSK_GUI_TEST_MAIN(tst_History)
