@@ -3,6 +3,7 @@
 // reader's burst) and one at a time (each waiting for its line).
 
 #include "logger.h"
+#include "memorypages.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -56,6 +57,7 @@ int main(int argc, char** argv)
     }
     const int burstLines = countWholeLines(burstPath);
     const int singleLines = countWholeLines(singlePath);
+    std::printf("allocator: %s\n", usesLargeMemoryPages() ? "mimalloc, large pages" : "system");
     std::printf("burst of %d lines:  %.2f us per line (%d in the file)\n", lines, burstUs, burstLines);
     std::printf("one line at a time: %.2f us per line (%d in the file)\n", singleUs, singleLines);
     return burstLines == lines && singleLines == lines ? 0 : 1;

@@ -8,6 +8,7 @@
 #include "guisupport.h"
 #include "logger.h"
 #include "mainwindow.h"
+#include "memorypages.h"
 #include "projectmanager.h"
 #include "startup.h"
 #include "testsupport.h"
@@ -217,6 +218,7 @@ int main(int argc, char** argv)
         return value;
     };
 
+    std::printf("allocator: %s\n", usesLargeMemoryPages() ? "mimalloc, large pages" : "system");
     std::printf("project: 400 routes, 40000 stops, %.1f MB\n", QFileInfo(file).size() / 1e6);
     std::printf("lua5.1 dofile:          %5lld ms (process, best of %d)\n", static_cast<long long>(luaMs), runs);
     std::printf("model open:             %5lld ms  %.2f x lua5.1 (best of %d)\n", static_cast<long long>(modelMs),

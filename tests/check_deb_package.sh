@@ -15,7 +15,12 @@ deb=$(ls "$work"/out/*.deb)
 
 # dpkg-shlibdeps found the libraries; ffmpeg is run, not linked, so named by hand.
 depends=$(dpkg-deb --field "$deb" Depends)
-for package in ffmpeg libqt5widgets5 liblua5.1-0 libsdl2-mixer-2.0-0; do
+required=(ffmpeg libqt5widgets5 liblua5.1-0 libsdl2-mixer-2.0-0)
+# The sanitizer build keeps the system allocator; the others run on mimalloc.
+if readelf -d "$build/app/voskantor" | grep -q 'libmimalloc'; then
+  required+=(libmimalloc2.0)
+fi
+for package in "${required[@]}"; do
   [[ ", $depends," == *", $package"[\ ,]* ]] || fail "Depends lacks $package: $depends"
 done
 apt-get install --simulate "$deb" >"$work/apt.log" 2>&1 || { cat "$work/apt.log"; fail "dependencies do not resolve"; }

@@ -11,7 +11,7 @@ packages=(
   liblua5.1-0-dev lua5.1
   libsdl2-mixer-dev ffmpeg
   python3 locales
-  libquazip1-qt5-dev
+  libquazip1-qt5-dev libmimalloc-dev
   xvfb xauth
   librsvg2-bin gzip
   desktop-file-utils appstream libxml2-utils shared-mime-info
