@@ -41,9 +41,14 @@ cTileServer::cTileServer(QObject* parent)
     m_clock.start();
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+            m_lastActivity = m_clock.elapsed();
             socket->setParent(this);
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+                m_lastActivity = m_clock.elapsed();
+                answer(socket);
+            });
             connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
+                m_lastActivity = m_clock.elapsed();
                 if (socket->property("waiting").toBool())
                     --m_atOnce;
                 socket->setProperty("waiting", false);
@@ -59,6 +64,15 @@ bool cTileServer::start()
         return false;
     m_port = m_server.serverPort();
     return true;
+}
+
+bool cTileServer::isQuiet(int ms) const
+{
+    for (const QTcpSocket* socket : findChildren<QTcpSocket*>()) {
+        if (socket->state() == QAbstractSocket::ConnectedState)
+            return false;
+    }
+    return m_clock.elapsed() - m_lastActivity >= ms;
 }
 
 void cTileServer::stop()

@@ -32,6 +32,10 @@ public:
     quint16 port() const { return m_port; }
 
     QStringList requests() const { return m_requests; }
+    // No connection open and none opened, used or closed for `ms`. A map's
+    // network thread winds down after the map is gone, so its last requests
+    // can come late; wait for this before clearing what the next check reads.
+    bool isQuiet(int ms) const;
     // The request lines and headers, in the order of `requests()`.
     QList<QByteArray> heads() const { return m_heads; }
     // When `tile` was asked for, in milliseconds since the server was made.
@@ -76,6 +80,7 @@ private:
     QList<qint64> m_times;
     QList<QByteArray> m_heads;
     QElapsedTimer m_clock;
+    qint64 m_lastActivity = 0;
     QByteArray m_userAgent;
     int m_delay = 0;
     int m_status = 0;

@@ -161,7 +161,7 @@ void tst_MapControl::init()
     if (!server.isListening())
         QVERIFY(server.start());
     // Requests of the last test's map may still be on their way.
-    QTest::qWait(100);
+    QTRY_VERIFY(server.isQuiet(200));
     server.clearRequests();
 }
 
@@ -317,6 +317,7 @@ void tst_MapControl::politeRequests()
         QCOMPARE(server.requests().size(), TileLoader::maxRequestsPerHost);
     }
     server.setDelay(0);
+    QTRY_VERIFY(server.isQuiet(200));
     server.clearRequests();
     {
         // A tile the server said nothing about is good for a week.
