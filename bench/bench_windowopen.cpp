@@ -224,8 +224,8 @@ int main(int argc, char** argv)
     std::printf("model open:             %5lld ms  %.2f x lua5.1 (best of %d)\n", static_cast<long long>(modelMs),
                 ratio(modelMs, luaMs), runs);
     for (const QList<qint64>& figures : windowRuns)
-        std::printf("window run:             open %lld ms (title at %lld ms), save %lld ms, %lld log lines\n",
-                    figures[0], figures[1], figures[2], figures[4]);
+        std::printf("window run:             open %lld ms %.2f x (title at %lld ms), save %lld ms %.2f x, %lld log lines\n",
+                    figures[0], ratio(figures[0], luaMs), figures[1], figures[2], ratio(figures[2], luaMs), figures[4]);
     std::printf("window open until idle: %5lld ms  %.2f x lua5.1 (best of %d)\n", best(0), ratio(best(0), luaMs),
                 runs);
     std::printf("title shows the file:   %5lld ms\n", best(1));
