@@ -56,8 +56,8 @@ QString cCli::overview()
     for (const cCommand* command : commandTable())
         text += QStringLiteral("  %1  %2\n").arg(command->name(), -11).arg(command->summary());
     text += tr("\nvoskantor-cli COMMAND --help describes a command's options.\n"
-               "Exit codes: 0 done, 1 problems found, the export failed or a route is not in the feed, 2 wrong "
-               "arguments or an unreadable project or feed.\n");
+               "Exit codes: 0 done, 1 problems found, the ride misses a stop, the export failed or a route is not in "
+               "the feed, 2 wrong arguments or an unreadable project or feed.\n");
     return text;
 }
 
@@ -103,6 +103,8 @@ int cCli::runCommand(const cCommand& command, const QStringList& arguments, QTex
     if (command.sharedOptions() & cCommand::RouteOption)
         parser.addOption({QStringLiteral("route"),
                           tr("Only the route with this name or number; may be given more than once."), tr("NAME")});
+    else if (command.sharedOptions() & cCommand::OneRouteOption)
+        parser.addOption({QStringLiteral("route"), tr("The route with this name or number; needed once."), tr("NAME")});
     if (command.sharedOptions() & cCommand::FormatOption)
         parser.addOption({QStringLiteral("format"), tr("Output as text or json; text when not given."), tr("FORMAT"),
                           QStringLiteral("text")});

@@ -59,8 +59,8 @@ bool cCliContext::openProject(cProjectManager* manager, const QString& path)
 
 bool cCliContext::selectRoutes(QList<cRoute>* routes)
 {
-    const QStringList names =
-        (m_sharedOptions & cCommand::RouteOption) ? m_parser.values(QStringLiteral("route")) : QStringList();
+    const bool routeOption = m_sharedOptions & (cCommand::RouteOption | cCommand::OneRouteOption);
+    const QStringList names = routeOption ? m_parser.values(QStringLiteral("route")) : QStringList();
     routes->clear();
     if (names.isEmpty()) {
         *routes = m_project.routes;

@@ -61,8 +61,9 @@ private:
 class cCommand
 {
 public:
-    // Options that the command line offers to the commands that want them.
-    enum SharedOption { RouteOption = 1, FormatOption = 2 };
+    // Options that the command line offers to the commands that want them:
+    // --route repeatable, or given exactly once, and --format.
+    enum SharedOption { RouteOption = 1, FormatOption = 2, OneRouteOption = 4 };
 
     virtual ~cCommand() = default;
 

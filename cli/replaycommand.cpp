@@ -29,7 +29,7 @@ public:
         return {{QStringLiteral("PROJECT"), tr("The project file (.vosk).")},
                 {QStringLiteral("TRACK"), tr("The recorded ride: GPX or an NMEA 0183 log.")}};
     }
-    int sharedOptions() const override { return RouteOption | FormatOption; }
+    int sharedOptions() const override { return OneRouteOption | FormatOption; }
 
     void addOptions(QCommandLineParser& parser) const override
     {

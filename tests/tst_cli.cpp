@@ -137,6 +137,11 @@ void tst_Cli::runsWithoutDisplayOrGuiLibraries()
     QVERIFY2(help.out.contains("\n  check ") && help.out.contains("\n  export ")
                  && help.out.contains("\n  info "), qPrintable(help.out));
     QCOMPARE(run({"--version"}).out, QString("voskantor-cli 1.21.0.1\n"));
+    // --route repeats where a command takes several routes, not for replay.
+    // Simplified: the help wraps its lines.
+    QVERIFY(run({"check", "--help"}).out.simplified().contains("may be given more than once"));
+    const QString replayHelp = run({"replay", "--help"}).out.simplified();
+    QVERIFY2(replayHelp.contains("needed once") && !replayHelp.contains("more than once"), qPrintable(replayHelp));
     const cRun russian = run({"check", m_project, "--route", "5"}, "ru_RU.UTF-8");
     QCOMPARE(russian.code, 0);
     QCOMPARE(russian.out, QString("Проблем не найдено.\n"));

@@ -46,6 +46,10 @@
         <translation>Только маршрут с этим названием или номером; можно указать несколько раз.</translation>
     </message>
     <message>
+        <source>The route with this name or number; needed once.</source>
+        <translation>Маршрут с этим названием или номером; указывается один раз.</translation>
+    </message>
+    <message>
         <source>NAME</source>
         <translation>НАЗВАНИЕ</translation>
     </message>
@@ -88,11 +92,11 @@ Commands:
     <message>
         <source>
 voskantor-cli COMMAND --help describes a command&apos;s options.
-Exit codes: 0 done, 1 problems found, the export failed or a route is not in the feed, 2 wrong arguments or an unreadable project or feed.
+Exit codes: 0 done, 1 problems found, the ride misses a stop, the export failed or a route is not in the feed, 2 wrong arguments or an unreadable project or feed.
 </source>
         <translation>
 voskantor-cli КОМАНДА --help описывает параметры команды.
-Коды выхода: 0 — готово, 1 — найдены ошибки, выгрузка не удалась или маршрута нет в фиде, 2 — неверные аргументы, проект или фид не читается.
+Коды выхода: 0 — готово, 1 — найдены ошибки, поездка пропускает остановку, выгрузка не удалась или маршрута нет в фиде, 2 — неверные аргументы, проект или фид не читается.
 </translation>
     </message>
 </context>
