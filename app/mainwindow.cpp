@@ -204,7 +204,11 @@ void cMainWindow::buildEditMenu()
     auto* view = new QUndoView(stack, historyDock);
     view->setEmptyLabel(tr("Project as opened"));
     historyDock->setWidget(view);
-    addDockWidget(Qt::RightDockWidgetArea, historyDock);
+    // Under the editors, as a tab beside the problems: the editors leave no
+    // width to spare on a 1280-pixel screen, and a dock at the side would
+    // push the window past it.
+    addDockWidget(Qt::BottomDockWidgetArea, historyDock);
+    tabifyDockWidget(problemsDock, historyDock);
     historyDock->hide();
     editMenu->addSeparator();
     QAction* showHistory = historyDock->toggleViewAction();
